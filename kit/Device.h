@@ -1,0 +1,45 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace kit {
+
+enum class UserInterfaceIdiom { Phone = 0, Pad = 1 };
+
+// What the device says about itself. The port fills it in at start-up (the Qt port from the real
+// system and the command line); tests script every value.
+class Device {
+public:
+    static Device& current();
+
+    // None when the device has no notion of an interface idiom.
+    std::optional<UserInterfaceIdiom> userInterfaceIdiom() const { return idiom_; }
+    const std::string& model() const { return model_; }
+    const std::string& systemName() const { return systemName_; }
+    const std::string& systemVersion() const { return systemVersion_; }
+    // A stable per-device identifier, raw (not hashed).
+    const std::string& uniqueIdentifier() const { return uniqueIdentifier_; }
+    // The hardware machine name (what uname calls the machine).
+    const std::string& machine() const { return machine_; }
+    const std::string& name() const { return name_; }
+
+    void setUserInterfaceIdiom(std::optional<UserInterfaceIdiom> idiom) { idiom_ = idiom; }
+    void setModel(std::string v) { model_ = std::move(v); }
+    void setSystemName(std::string v) { systemName_ = std::move(v); }
+    void setSystemVersion(std::string v) { systemVersion_ = std::move(v); }
+    void setUniqueIdentifier(std::string v) { uniqueIdentifier_ = std::move(v); }
+    void setMachine(std::string v) { machine_ = std::move(v); }
+    void setName(std::string v) { name_ = std::move(v); }
+
+private:
+    std::optional<UserInterfaceIdiom> idiom_ = UserInterfaceIdiom::Phone;
+    std::string model_;
+    std::string systemName_;
+    std::string systemVersion_;
+    std::string uniqueIdentifier_;
+    std::string machine_;
+    std::string name_;
+};
+
+}  // namespace kit

@@ -1,0 +1,42 @@
+#include "kit/Platform.h"
+
+#include "kit/RunLoop.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace kit {
+namespace {
+std::unique_ptr<Platform> gOwner;
+// Stays set while the platform is destroyed, so that services' destructors can still reach it.
+Platform* gPlatform = nullptr;
+}
+
+Platform::~Platform() = default;
+
+void Platform::shutdown() { runLoop().clear(); }
+
+void Platform::install(std::unique_ptr<Platform> platform) {
+    uninstall();
+    gOwner = std::move(platform);
+    gPlatform = gOwner.get();
+}
+
+void Platform::uninstall() {
+    if (!gOwner) return;
+    gOwner->shutdown();
+    gOwner.reset();
+    gPlatform = nullptr;
+}
+
+bool Platform::isInstalled() { return gPlatform != nullptr; }
+
+Platform& Platform::current() {
+    if (!gPlatform) {
+        std::fputs("kit: no platform installed\n", stderr);
+        std::abort();
+    }
+    return *gPlatform;
+}
+
+}  // namespace kit

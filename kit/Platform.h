@@ -1,0 +1,50 @@
+#pragma once
+
+#include <memory>
+
+namespace kit {
+
+class Application;
+class Device;
+class FileManager;
+class NotificationCenter;
+class RunLoop;
+class Screen;
+class SoundService;
+class UserDefaults;
+class ViewPeerFactory;
+
+// The services of one port (the Qt port in the application, the simulated port in unit tests).
+// Exactly one platform is installed at a time; kit reaches it through the static accessors of each
+// service (RunLoop::main(), Application::shared(), ...), never through globals of the app.
+class Platform {
+public:
+    virtual ~Platform();
+
+    // Installs `platform`, first shutting down and destroying the one installed before.
+    static void install(std::unique_ptr<Platform> platform);
+    static void uninstall();
+    static bool isInstalled();
+    // The installed platform; aborts with a message when there is none.
+    static Platform& current();
+
+    virtual RunLoop& runLoop() = 0;
+    // The default notification center.
+    virtual NotificationCenter& notificationCenter() = 0;
+    virtual Application& application() = 0;
+    virtual Device& device() = 0;
+    virtual Screen& screen() = 0;
+    virtual FileManager& fileManager() = 0;
+    virtual UserDefaults& userDefaults() = 0;
+    virtual SoundService& soundService() = 0;
+    // Makes platform peers for views that enter a window; none on a port without a display.
+    virtual ViewPeerFactory* viewPeerFactory() { return nullptr; }
+
+protected:
+    Platform() = default;
+    // Called while the platform is still installed, before it is destroyed: drop pending work
+    // whose destruction may still reach the platform.
+    virtual void shutdown();
+};
+
+}  // namespace kit

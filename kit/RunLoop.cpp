@@ -1,0 +1,155 @@
+#include "kit/RunLoop.h"
+
+#include "kit/Platform.h"
+
+#include <cassert>
+
+namespace kit {
+
+RunLoopImplementation::~RunLoopImplementation() = default;
+
+RunLoop::RunLoop(std::unique_ptr<RunLoopImplementation> implementation)
+    : implementation_(std::move(implementation)) {
+    pools_.emplace_back();  // the root pool: work done outside any turn
+}
+
+RunLoop::~RunLoop() { clear(); }
+
+RunLoop& RunLoop::main() { return Platform::current().runLoop(); }
+
+double RunLoop::now() const { return implementation_->now(); }
+
+RunLoop::CallId RunLoop::post(std::function<void()> call, const void* target) {
+    return postAfter(0, std::move(call), target);
+}
+
+RunLoop::CallId RunLoop::postAfter(double seconds, std::function<void()> call, const void* target) {
+    assert(isMainThread());
+    double deadline = now() + (seconds > 0 ? seconds : 0);
+    CallId id = nextSequence_++;
+    bool earliest = queue_.empty() || Key{deadline, id} < queue_.begin()->first;
+    queue_.emplace(Key{deadline, id}, Call{std::move(call), target});
+    deadlines_.emplace(id, deadline);
+    if (earliest && !inRunDue_) implementation_->wakeAt(deadline);
+    return id;
+}
+
+bool RunLoop::cancel(CallId id) {
+    auto it = deadlines_.find(id);
+    if (it == deadlines_.end()) return false;
+    // Move the call out before destroying it: its captures may schedule or cancel in turn.
+    auto node = queue_.extract(Key{it->second, id});
+    deadlines_.erase(it);
+    return true;
+}
+
+size_t RunLoop::cancelCallsForTarget(const void* target) {
+    if (!target) return 0;
+    std::vector<CallId> ids;
+    for (const auto& [key, call] : queue_)
+        if (call.target == target) ids.push_back(key.sequence);
+    for (CallId id : ids) cancel(id);
+    return ids.size();
+}
+
+void RunLoop::keepAlive(std::shared_ptr<const void> object) {
+    if (!object) return;
+    pools_.back().push_back(std::move(object));
+    // Outside a turn the next pass of the loop ends the work; make sure there is one.
+    if (pools_.size() == 1 && !inRunDue_) implementation_->wakeAt(now());
+}
+
+bool RunLoop::isMainThread() const { return implementation_->isMainThread(); }
+
+void RunLoop::invokeOnMainAndWait(const std::function<void()>& call) {
+    if (isMainThread()) {
+        call();
+        return;
+    }
+    implementation_->runOnMainAndWait(call);
+}
+
+void RunLoop::invokeOnMain(std::function<void()> call) {
+    if (isMainThread()) {
+        post(std::move(call));
+        return;
+    }
+    implementation_->postFromOtherThread(std::move(call));
+}
+
+int RunLoop::run() { return implementation_->exec(); }
+
+void RunLoop::quit(int code) { implementation_->quit(code); }
+
+void RunLoop::drainPool(size_t level) {
+    // Releasing may run destructors that keep other objects alive: take the pool out first.
+    while (!pools_[level].empty()) {
+        auto objects = std::move(pools_[level]);
+        pools_[level].clear();
+        objects.clear();
+    }
+}
+
+size_t RunLoop::runDue() {
+    assert(isMainThread());
+    if (inRunDue_) return 0;
+    inRunDue_ = true;
+    drainPool(0);
+    const double due = now();
+    const CallId before = nextSequence_;
+    size_t ran = 0;
+    for (auto it = queue_.begin(); it != queue_.end() && it->first.deadline <= due;) {
+        if (it->first.sequence >= before) {  // scheduled during this pass: next pass
+            ++it;
+            continue;
+        }
+        Call call = std::move(it->second);
+        deadlines_.erase(it->first.sequence);
+        queue_.erase(it);
+        {
+            Turn turn(*this);
+            call.function();
+        }
+        ++ran;
+        it = queue_.begin();
+    }
+    inRunDue_ = false;
+    scheduleWakeup();
+    return ran;
+}
+
+void RunLoop::scheduleWakeup() {
+    if (!queue_.empty()) implementation_->wakeAt(queue_.begin()->first.deadline);
+}
+
+std::optional<double> RunLoop::nextDeadline() const {
+    if (queue_.empty()) return std::nullopt;
+    return queue_.begin()->first.deadline;
+}
+
+std::vector<RunLoop::PendingCall> RunLoop::pendingCalls() const {
+    std::vector<PendingCall> out;
+    out.reserve(queue_.size());
+    for (const auto& [key, call] : queue_) out.push_back({key.sequence, key.deadline, call.target});
+    return out;
+}
+
+void RunLoop::clear() {
+    // Destroying a call's captures may schedule more; repeat until nothing is left.
+    while (!queue_.empty()) {
+        auto calls = std::move(queue_);
+        queue_.clear();
+        deadlines_.clear();
+        calls.clear();
+    }
+    for (size_t level = pools_.size(); level-- > 0;) drainPool(level);
+}
+
+RunLoop::Turn::Turn(RunLoop& loop) : loop_(loop) { loop_.pools_.emplace_back(); }
+
+RunLoop::Turn::~Turn() {
+    loop_.drainPool(loop_.pools_.size() - 1);
+    loop_.pools_.pop_back();
+}
+
+}  // namespace kit

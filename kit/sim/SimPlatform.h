@@ -1,0 +1,61 @@
+#pragma once
+
+#include "kit/Device.h"
+#include "kit/FileManager.h"
+#include "kit/NotificationCenter.h"
+#include "kit/Platform.h"
+#include "kit/RunLoop.h"
+#include "kit/Screen.h"
+#include "kit/UserDefaults.h"
+#include "kit/sim/SimApplication.h"
+#include "kit/sim/SimRunLoop.h"
+#include "kit/sim/SimSoundService.h"
+
+#include <filesystem>
+#include <memory>
+
+namespace kit::sim {
+
+// The simulated port: virtual time, scripted device and application, sounds recorded, settings
+// in memory and files in a fresh temporary folder that goes away with the platform.
+class SimPlatform : public Platform {
+public:
+    // Installs a fresh simulated platform and returns it.
+    static SimPlatform& install();
+    static SimPlatform& current();
+
+    SimPlatform();
+    ~SimPlatform() override;
+
+    RunLoop& runLoop() override { return *runLoop_; }
+    NotificationCenter& notificationCenter() override { return *notificationCenter_; }
+    Application& application() override { return *application_; }
+    Device& device() override { return device_; }
+    Screen& screen() override { return screen_; }
+    FileManager& fileManager() override { return *fileManager_; }
+    UserDefaults& userDefaults() override { return userDefaults_; }
+    SoundService& soundService() override { return sound_; }
+
+    SimRunLoop& clock() { return *clock_; }
+    SimApplication& simApplication() { return *application_; }
+    SimSoundService& sounds() { return sound_; }
+    const std::filesystem::path& folder() const { return folder_; }
+
+protected:
+    void shutdown() override;
+
+private:
+    // Declared first, destroyed last: everything else may still schedule or cancel calls.
+    SimRunLoop* clock_;
+    std::unique_ptr<RunLoop> runLoop_;
+    std::shared_ptr<NotificationCenter> notificationCenter_;
+    std::filesystem::path folder_;
+    std::unique_ptr<FileManager> fileManager_;
+    Device device_;
+    Screen screen_;
+    UserDefaults userDefaults_;
+    SimSoundService sound_;
+    std::shared_ptr<SimApplication> application_;
+};
+
+}  // namespace kit::sim
