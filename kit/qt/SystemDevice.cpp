@@ -1,0 +1,40 @@
+#include "kit/qt/SystemDevice.h"
+
+#include <sys/utsname.h>
+
+#include <fstream>
+#include <string>
+
+namespace kit::qt {
+
+namespace {
+std::string firstLine(const char* path) {
+    std::ifstream in(path);
+    std::string line;
+    std::getline(in, line);
+    while (!line.empty() && (line.back() == ' ' || line.back() == '\r' || line.back() == '\t')) line.pop_back();
+    return line;
+}
+}  // namespace
+
+std::string SystemDevice::machineId() {
+    std::string id = firstLine("/etc/machine-id");
+    if (id.empty()) id = firstLine("/var/lib/dbus/machine-id");
+    return id;
+}
+
+void SystemDevice::fill(Device& device, UserInterfaceIdiom idiom) {
+    device.setUserInterfaceIdiom(idiom);
+    struct utsname names {};
+    if (uname(&names) == 0) {
+        device.setSystemName(names.sysname);
+        device.setSystemVersion(names.release);
+        device.setMachine(names.machine);
+        device.setName(names.nodename);
+    }
+    std::string product = firstLine("/sys/devices/virtual/dmi/id/product_name");
+    device.setModel(product.empty() ? "Linux" : product);
+    device.setUniqueIdentifier(machineId());
+}
+
+}  // namespace kit::qt
