@@ -65,9 +65,9 @@ View::~View() {
 void View::orphanSubviews(bool inWindow) {
     auto subviews = std::move(subviews_);
     subviews_.clear();
-    for (auto& subview : subviews) {
-        detachPeers(*subview);
-        subview->superview_ = nullptr;
+    for (auto it = subviews.rbegin(); it != subviews.rend(); ++it) {  // front to back, as detachPeers()
+        detachPeers(**it);
+        (*it)->superview_ = nullptr;
     }
     for (auto& subview : subviews) {
         subview->didMoveToSuperview();

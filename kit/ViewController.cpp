@@ -82,11 +82,12 @@ void ViewController::presentViewController(std::shared_ptr<ViewController> contr
     controller->presenting_ = presenter;
     inTransition_ = controller->inTransition_ = true;
 
-    viewWillDisappear(animated);
-    controller->viewWillAppear(animated);
+    // Loaded and sized before it hears it will appear, so that it can lay itself out then.
     auto view = controller->view();
     view->setFrame(window->bounds());
     view->setAutoresizingMask(Autoresizing::FlexibleWidth | Autoresizing::FlexibleHeight);
+    viewWillDisappear(animated);
+    controller->viewWillAppear(animated);
     window->addSubview(view);
 
     RunLoop::main().postAfter(animated ? kAnimationDuration : 0,

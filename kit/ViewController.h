@@ -22,7 +22,7 @@ enum class ModalTransitionStyle { CoverVertical = 0, FlipHorizontal = 1, CrossDi
 // in the next turn of the run loop, or after kAnimationDuration of run-loop time when animated.
 //
 // Appearance calls, presenting B from A:
-//   A.viewWillDisappear, B.viewWillAppear, B's view added;
+//   B's view loaded and sized to the window, A.viewWillDisappear, B.viewWillAppear, B's view added;
 //   at the end of the transition: B.viewDidAppear, A.viewDidDisappear, completion.
 // Dismissing B, the mirror:
 //   B.viewWillDisappear, A.viewWillAppear;
