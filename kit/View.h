@@ -33,9 +33,9 @@ constexpr uint32_t FlexibleBottomMargin = 1 << 5;
 enum class ViewTransition { None = 0, FlipFromLeft = 1, FlipFromRight = 2, CurlUp = 3, CurlDown = 4 };
 
 // A rectangle of the model view tree. A view is owned by its superview (and by whoever else holds
-// it); its superview is not retained, and clears the link when it goes, so it never dangles. Coordinates: the
-// frame is in the superview's coordinates, the bounds in the view's own (bounds.origin is the point shown at
-// the frame's top-left corner).
+// it); the link to its superview is not retained, and the superview clears it when it goes, so it
+// never dangles. The frame is in the superview's coordinates, the bounds in the view's own
+// (bounds.origin is the point shown at the frame's top-left corner).
 //
 // The model is the truth: every property here is the current, final value, also while a port
 // animates towards it. While the view is in a window on screen it may have a platform peer
@@ -125,7 +125,8 @@ class View : public Responder {
     ViewPeer* peer() const { return peer_.get(); }
 
   protected:
-    // Hooks, called after the move is complete.
+    // Hooks, called once a move is complete: didMoveToSuperview(), then, when the window changed,
+    // didMoveToWindow() on the view and each view beneath it.
     virtual void didMoveToSuperview() {}
     virtual void didMoveToWindow() {}
 
@@ -133,7 +134,7 @@ class View : public Responder {
     void notifyPeer(ViewPeer::Change change);
     std::shared_ptr<Window> responderWindow() const override { return window(); }
 
-    // For Window: gives the tree beneath `window` its peers, or takes them away.
+    // For Window: gives `view` and the tree beneath it peers, or takes them away.
     static void attachPeers(View& view, ViewPeerFactory& factory);
     static void detachPeers(View& view);
     // Lets go of every subview at once (the view is going away); `inWindow` when they leave a window.
@@ -142,7 +143,6 @@ class View : public Responder {
   private:
     friend class Layer;
 
-    void insert(std::shared_ptr<View> view, size_t index);
     void detachFromSuperview();
     void resizeSubviews(Size oldSize);
     void autoresize(Size oldSuperSize, Size newSuperSize);

@@ -50,7 +50,8 @@ class ViewController : public Responder {
     virtual void viewWillDisappear(bool animated);
     virtual void viewDidDisappear(bool animated);
 
-    // ---- Modal presentation
+    // ---- Modal presentation. Every presentation style covers the whole window here; the styles
+    // are kept for the port to choose how the transition looks.
     // Refused, with a log line, when this controller already presents one, either controller is
     // in a transition, `controller` is already presented, or this controller's view is in no
     // window.
