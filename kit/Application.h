@@ -24,6 +24,7 @@ inline bool isLandscape(int o) { return o == LandscapeRight || o == LandscapeLef
 }  // namespace InterfaceOrientation
 
 class Application;
+class Window;
 
 // What the application's delegate hears; every method is optional.
 class ApplicationDelegate {
@@ -77,6 +78,10 @@ public:
     int statusBarOrientation() const { return statusBarOrientation_; }
     void setStatusBarOrientation(int orientation) { statusBarOrientation_ = orientation; }
 
+    // The window that takes input; Window::makeKeyAndVisible() sets it. Not retained.
+    std::shared_ptr<Window> keyWindow() const { return keyWindow_.lock(); }
+    void setKeyWindow(const std::shared_ptr<Window>& window) { keyWindow_ = window; }
+
     // Whether the device may dim and sleep while the application runs.
     bool isIdleTimerDisabled() const { return idleTimerDisabled_; }
     void setIdleTimerDisabled(bool disabled);
@@ -106,6 +111,7 @@ private:
     bool statusBarHidden_ = false;
     int statusBarOrientation_ = InterfaceOrientation::LandscapeRight;
     bool idleTimerDisabled_ = false;
+    std::weak_ptr<Window> keyWindow_;
     BackgroundTaskId nextTask_ = 1;
     std::map<BackgroundTaskId, std::function<void()>> backgroundTasks_;
 };

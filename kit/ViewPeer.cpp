@@ -1,0 +1,7 @@
+#include "kit/ViewPeer.h"
+
+namespace kit {
+
+ViewPeer::~ViewPeer() = default;
+
+}  // namespace kit

@@ -1,0 +1,7 @@
+#include "kit/ViewPeerFactory.h"
+
+namespace kit {
+
+ViewPeerFactory::~ViewPeerFactory() = default;
+
+}  // namespace kit
