@@ -26,10 +26,13 @@ inline bool isLandscape(int o) { return o == LandscapeRight || o == LandscapeLef
 class Application;
 class Window;
 
-// What the application's delegate hears; every method is optional.
-class ApplicationDelegate {
+// What the application's delegate hears; every method is optional. The delegate is made by class
+// name (ClassRegistry) and holds the application's window.
+class ApplicationDelegate : public Object {
 public:
-    virtual ~ApplicationDelegate();
+    ~ApplicationDelegate() override;
+    virtual std::shared_ptr<Window> window() const { return nullptr; }
+    virtual void setWindow(std::shared_ptr<Window>) {}
     virtual bool applicationDidFinishLaunching(Application&, const Value::Map& /*options*/) { return true; }
     virtual void applicationWillResignActive(Application&) {}
     virtual void applicationDidEnterBackground(Application&) {}

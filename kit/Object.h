@@ -26,8 +26,7 @@ protected:
 template <class T>
 std::shared_ptr<T> retained(T* object) {
     if (!object) return nullptr;
-    return std::static_pointer_cast<T>(
-        std::const_pointer_cast<std::remove_const_t<T>>(object->shared_from_this()));
+    return std::static_pointer_cast<T>(std::const_pointer_cast<Object>(object->shared_from_this()));
 }
 
 template <class T>

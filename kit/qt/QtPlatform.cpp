@@ -1,0 +1,49 @@
+#include "kit/qt/QtPlatform.h"
+
+#include "kit/qt/QtRunLoop.h"
+#include "kit/qt/SystemDevice.h"
+
+#include <QCoreApplication>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QStandardPaths>
+
+namespace kit::qt {
+
+namespace {
+std::filesystem::path standardFolder(QStandardPaths::StandardLocation location) {
+    return QStandardPaths::writableLocation(location).toStdString();
+}
+}  // namespace
+
+QtPlatform::QtPlatform(UserInterfaceIdiom idiom)
+    : runLoop_(std::make_unique<RunLoop>(std::make_unique<QtRunLoop>())),
+      notificationCenter_(std::make_shared<NotificationCenter>()),
+      sound_(std::make_unique<SdlSoundService>()),
+      application_(std::make_shared<QtApplication>()) {
+    // Folders are named after the application: $XDG_CACHE_HOME/quiblo and so on.
+    if (QCoreApplication::applicationName().isEmpty()) QCoreApplication::setApplicationName("quiblo");
+    auto caches = standardFolder(QStandardPaths::CacheLocation);
+    auto data = standardFolder(QStandardPaths::AppDataLocation);
+    auto config = standardFolder(QStandardPaths::AppConfigLocation);
+    auto resources = std::filesystem::path(QCoreApplication::applicationDirPath().toStdString()) / "Resources";
+    fileManager_ = std::make_unique<FileManager>(FileManager::Folders{caches, data / "Documents", resources});
+    fileManager_->createFolder(caches);
+    fileManager_->createFolder(data / "Documents");
+    userDefaults_ = std::make_unique<UserDefaults>(config / "settings.bin");
+
+    SystemDevice::fill(device_, idiom);
+    bool tablet = idiom == UserInterfaceIdiom::Pad;
+    screen_.setBounds(tablet ? Rect{0, 0, 1024, 768} : Rect{0, 0, 480, 320});
+    if (QScreen* display = QGuiApplication::primaryScreen()) screen_.setScale(display->devicePixelRatio());
+}
+
+QtPlatform::~QtPlatform() = default;
+
+void QtPlatform::shutdown() {
+    Platform::shutdown();
+    application_->setDelegate(nullptr);
+    runLoop_->clear();
+}
+
+}  // namespace kit::qt

@@ -1,0 +1,17 @@
+#include "kit/qt/QtViewPeerFactory.h"
+
+#include "kit/Window.h"
+#include "kit/qt/QtViewPeer.h"
+#include "kit/qt/QtWindowPeer.h"
+
+namespace kit::qt {
+
+std::unique_ptr<ViewPeer> QtViewPeerFactory::createPeer(View& view) {
+    if (auto* window = dynamic_cast<Window*>(&view)) return std::make_unique<QtWindowPeer>(*window);
+    auto superview = view.superview();
+    auto* parent = superview ? dynamic_cast<QtViewPeer*>(superview->peer()) : nullptr;
+    if (!parent) return nullptr;
+    return std::make_unique<QtViewPeer>(view, parent);
+}
+
+}  // namespace kit::qt
