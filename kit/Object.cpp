@@ -11,8 +11,10 @@ namespace kit {
 
 Object::~Object() = default;
 
-std::string Object::className() const {
-    const char* mangled = typeid(*this).name();
+std::string Object::className() const { return classNameOf(typeid(*this)); }
+
+std::string classNameOf(const std::type_info& type) {
+    const char* mangled = type.name();
     int status = 0;
     char* demangled = abi::__cxa_demangle(mangled, nullptr, nullptr, &status);
     std::string name = status == 0 && demangled ? demangled : mangled;

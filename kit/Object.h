@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <typeinfo>
 
 namespace kit {
 
@@ -21,6 +22,13 @@ protected:
     Object(const Object&) = default;
     Object& operator=(const Object&) = default;
 };
+
+// The name of a class without namespace, as Object::className() gives it for an instance.
+std::string classNameOf(const std::type_info& type);
+template <class T>
+std::string nameOfClass() {
+    return classNameOf(typeid(T));
+}
 
 // A shared pointer to an object that is already owned by a shared pointer (e.g. `retained(this)`).
 template <class T>
