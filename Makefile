@@ -4,7 +4,7 @@ ASAN_BUILD ?= build-asan
 JOBS       ?= 2
 CMAKE_ARGS ?=
 
-.PHONY: all setup configure build test asan format clean
+.PHONY: all setup configure build run test asan format clean
 
 all: build
 
@@ -16,6 +16,10 @@ configure: setup
 
 build: configure
 	cmake --build $(BUILD) -j$(JOBS)
+
+# Starts the soundboard (offscreen, leaving a screenshot and a recording, where there is no display).
+run: build
+	@BUILD=$(BUILD) scripts/run
 
 test: build
 	ctest --test-dir $(BUILD) --output-on-failure -j$(JOBS)
