@@ -37,6 +37,7 @@ struct Packing {
         // Loads 8 bytes and uses the first kBlockBytes of them.
         for (; n - i >= 8; i += kBlockBytes) {
             uint64_t bits = loadBigEndian64(in + i);
+#pragma GCC unroll 64
             for (int k = 0; k < kBlockChars; ++k) out[k] = alphabet[(bits >> (64 - S * (k + 1))) & kMask];
             out += kBlockChars;
         }
@@ -65,15 +66,16 @@ struct Packing {
             // Whole blocks, while no bits are pending and every character is data.
             if (count == 0 && !padded) {
                 while (n - i >= static_cast<size_t>(kBlockChars)) {
+                    // Each character lands at its own place, so the lookups do not wait for each other.
                     uint64_t bits = 0;
                     int meaning = 0;
+#pragma GCC unroll 64
                     for (int k = 0; k < kBlockChars; ++k) {
                         int v = map[static_cast<unsigned char>(in[i + static_cast<size_t>(k)])];
                         meaning |= v;
-                        bits = bits << S | static_cast<unsigned>(v & static_cast<int>(kMask));
+                        bits |= static_cast<uint64_t>(static_cast<unsigned>(v) & kMask) << (64 - S * (k + 1));
                     }
                     if (meaning < 0) break;  // padding, ignored or invalid: one at a time below
-                    if constexpr (kBlockBits < 64) bits <<= 64 - kBlockBits;
                     storeBigEndian64(out, bits);
                     out += kBlockBytes;
                     i += kBlockChars;

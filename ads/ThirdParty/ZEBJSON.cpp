@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -110,22 +111,71 @@ const char* findStringSpecial(const char* p, const char* end) {
     return p;
 }
 
+struct Frame {
+    bool isMap;
+    size_t valueBase;
+    size_t keyBase;
+};
+
+}  // namespace
+
+struct ZEBJSON::Stacks {
+    std::vector<Frame> frames;
+    std::vector<Value> values;
+    std::vector<std::string> keys;
+    std::string scratch;
+
+    void clear() {
+        frames.clear();
+        values.clear();
+        keys.clear();
+    }
+};
+
+namespace {
+
+// The first byte at or after p that is not white space. Pretty-printed text is mostly indentation,
+// so runs are skipped a block at a time.
+const char* skipSpaceRun(const char* p, const char* end) {
+#if defined(__SSE2__)
+    const __m128i space = _mm_set1_epi8(' ');
+    const __m128i tab = _mm_set1_epi8('\t');
+    const __m128i controlSpan = _mm_set1_epi8('\r' - '\t');
+    while (end - p >= 16) {
+        __m128i chunk = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        // Tab to carriage return: chunk - '\t' is at most 4 (unsigned) exactly for those five.
+        __m128i offset = _mm_sub_epi8(chunk, tab);
+        __m128i isControlSpace = _mm_cmpeq_epi8(_mm_min_epu8(offset, controlSpan), offset);
+        __m128i isWhite = _mm_or_si128(_mm_cmpeq_epi8(chunk, space), isControlSpace);
+        unsigned other = ~static_cast<unsigned>(_mm_movemask_epi8(isWhite)) & 0xFFFF;
+        if (other != 0) return p + __builtin_ctz(other);
+        p += 16;
+    }
+#endif
+    while (p != end && isSpace(*p)) ++p;
+    return p;
+}
+
 class Reader {
   public:
-    Reader(std::string_view text, unsigned maxDepth, int& depth)
-        : p_(text.data()), end_(text.data() + text.size()), maxDepth_(maxDepth), depth_(depth) {}
+    Reader(std::string_view text, unsigned maxDepth, int& depth, std::vector<Frame>& frames,
+           std::vector<Value>& values, std::vector<std::string>& keys, std::string& scratch)
+        : p_(text.data()),
+          end_(text.data() + text.size()),
+          maxDepth_(maxDepth),
+          depth_(depth),
+          frames_(frames),
+          values_(values),
+          keys_(keys),
+          scratch_(scratch) {}
 
     std::optional<Value> read(std::shared_ptr<kit::Error>& error);
 
   private:
-    struct Frame {
-        bool isMap;
-        size_t valueBase;
-        size_t keyBase;
-    };
-
     void skipSpace() {
-        while (p_ != end_ && isSpace(*p_)) ++p_;
+        if (p_ == end_ || !isSpace(*p_)) return;  // compact text: nothing to skip
+        ++p_;
+        p_ = skipSpaceRun(p_, end_);
     }
 
     bool fail(int64_t code, std::string message, std::shared_ptr<const kit::Error> underlying = nullptr) {
@@ -151,10 +201,10 @@ class Reader {
     const char* end_;
     unsigned maxDepth_;
     int& depth_;
-    std::vector<Frame> frames_;
-    std::vector<Value> values_;
-    std::vector<std::string> keys_;
-    std::string scratch_;
+    std::vector<Frame>& frames_;
+    std::vector<Value>& values_;
+    std::vector<std::string>& keys_;
+    std::string& scratch_;
     std::shared_ptr<kit::Error> error_;
 };
 
@@ -625,7 +675,64 @@ class Writer {
     std::vector<const Value::Map::Entry*> sorted_;
 };
 
+// Writes the escape for c (a quote, a backslash or a control character) at out.
+char* writeEscape(char* out, unsigned char c) {
+    *out++ = '\\';
+    switch (c) {
+        case '"':
+        case '\\':
+            *out++ = static_cast<char>(c);
+            break;
+        case '\b':
+            *out++ = 'b';
+            break;
+        case '\t':
+            *out++ = 't';
+            break;
+        case '\n':
+            *out++ = 'n';
+            break;
+        case '\f':
+            *out++ = 'f';
+            break;
+        case '\r':
+            *out++ = 'r';
+            break;
+        default: {
+            static constexpr char kHex[] = "0123456789abcdef";
+            *out++ = 'u';
+            *out++ = '0';
+            *out++ = '0';
+            *out++ = kHex[c >> 4];
+            *out++ = kHex[c & 0xF];
+        }
+    }
+    return out;
+}
+
+constexpr auto kNeedsEscape = [] {
+    std::array<bool, 256> table{};
+    for (int c = 0; c < 0x20; ++c) table[static_cast<size_t>(c)] = true;
+    table['"'] = table['\\'] = true;
+    return table;
+}();
+
 void Writer::writeString(std::string_view text) {
+    // Keys and most values are short: one reservation and a plain loop beat the block scan there.
+    if (text.size() <= 32) {
+        char* out = reserve(text.size() * 6 + 2);
+        *out++ = '"';
+        for (char ch : text) {
+            auto c = static_cast<unsigned char>(ch);
+            if (kNeedsEscape[c])
+                out = writeEscape(out, c);
+            else
+                *out++ = ch;
+        }
+        *out++ = '"';
+        commit(out);
+        return;
+    }
     const char* p = text.data();
     const char* end = p + text.size();
     appendChar('"');
@@ -633,39 +740,7 @@ void Writer::writeString(std::string_view text) {
         const char* special = findEscape(p, end);
         append(std::string_view(p, static_cast<size_t>(special - p)));
         if (special == end) break;
-        unsigned char c = static_cast<unsigned char>(*special);
-        char* out = reserve(6);
-        *out++ = '\\';
-        switch (c) {
-            case '"':
-            case '\\':
-                *out++ = static_cast<char>(c);
-                break;
-            case '\b':
-                *out++ = 'b';
-                break;
-            case '\t':
-                *out++ = 't';
-                break;
-            case '\n':
-                *out++ = 'n';
-                break;
-            case '\f':
-                *out++ = 'f';
-                break;
-            case '\r':
-                *out++ = 'r';
-                break;
-            default: {
-                static constexpr char kHex[] = "0123456789abcdef";
-                *out++ = 'u';
-                *out++ = '0';
-                *out++ = '0';
-                *out++ = kHex[c >> 4];
-                *out++ = kHex[c & 0xF];
-            }
-        }
-        commit(out);
+        commit(writeEscape(reserve(6), static_cast<unsigned char>(*special)));
         p = special + 1;
     }
     appendChar('"');
@@ -793,6 +868,10 @@ std::optional<std::string> Writer::write(const Value& root, std::shared_ptr<kit:
 
 }  // namespace
 
+ZEBJSON::ZEBJSON() : stacks_(std::make_unique<Stacks>()) {}
+
+ZEBJSON::~ZEBJSON() = default;
+
 std::shared_ptr<kit::Error> ZEBJSON::errorWithCodeDescription(int64_t code, std::string description) {
     return errorWithCodeUnderlyingDescription(code, nullptr, std::move(description));
 }
@@ -823,8 +902,10 @@ std::optional<Value> ZEBJSON::objectWithStringAllowScalarError(std::optional<std
     if (!text) {
         failure = errorWithCodeDescription(kErrorNoInput, "Input was 'nil'");
     } else {
-        Reader reader(*text, maxDepth_, depth_);
+        Reader reader(*text, maxDepth_, depth_, stacks_->frames, stacks_->values, stacks_->keys,
+                      stacks_->scratch);
         result = reader.read(failure);
+        stacks_->clear();
         if (result && !allowScalar && !result->isArray() && !result->isMap()) {
             result.reset();
             failure = errorWithCodeDescription(kErrorTopLevel, "Valid fragment, but not JSON");

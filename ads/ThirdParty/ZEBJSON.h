@@ -43,7 +43,8 @@ class ZEBJSON : public kit::Object {
         kErrorNoInput = 12,       // no text at all
     };
 
-    ZEBJSON() = default;
+    ZEBJSON();
+    ~ZEBJSON() override;
 
     // Deepest nesting the reader accepts; 0 means no limit. The reader keeps its own stack, so even
     // without a limit deep input cannot overflow the call stack.
@@ -80,6 +81,9 @@ class ZEBJSON : public kit::Object {
         int64_t code, std::shared_ptr<const kit::Error> underlying, std::string description);
 
   private:
+    // The reader's stacks, kept from one call to the next so that their memory is reused.
+    struct Stacks;
+    std::unique_ptr<Stacks> stacks_;
     unsigned maxDepth_ = 512;
     bool sortKeys_ = false;
     bool humanReadable_ = false;

@@ -259,6 +259,23 @@ TEST(ZEBJSONReader, WhitespaceIsTheCSpaceClass) {
                   {3, "Expected value while parsing array", 3, "Unrecognised leading character"}, "nbsp");
 }
 
+TEST(ZEBJSONReader, LongWhitespaceRuns) {
+    // Indentation is skipped a block at a time: every kind of blank, and the first other byte stops it.
+    const std::string blanks = " \t\n\v\f\r";
+    std::string run;
+    for (size_t i = 0; i < 40; ++i) run += blanks[i % blanks.size()];
+    EXPECT_EQ(read(run + "[" + run + "1" + run + "," + run + "2]" + run), Value(Value::Array{1, 2}));
+    for (char stop : {'\x08', '\x0e', '\x1f', '\xa0', 'x'}) {
+        for (size_t at : {0, 5, 16, 17, 39}) {
+            std::string text = "[" + run + "1]";
+            text[1 + at] = stop;
+            expectFailure(readError(text),
+                          {3, "Expected value while parsing array", 3, "Unrecognised leading character"},
+                          text);
+        }
+    }
+}
+
 TEST(ZEBJSONReader, TopLevelAndInput) {
     ZEBJSON json;
     std::shared_ptr<kit::Error> error;
