@@ -1,10 +1,13 @@
 # Entry points for people and CI. `make test` does everything from a fresh machine.
 BUILD      ?= build
 ASAN_BUILD ?= build-asan
+FUZZ_BUILD ?= build-fuzz
+FUZZ_SECONDS ?= 60
+TESTDATA   ?= ../shared/testdata
 JOBS       ?= 2
 CMAKE_ARGS ?=
 
-.PHONY: all setup configure build run test asan format clean
+.PHONY: all setup configure build run test asan fuzz-build fuzz bench format clean
 
 all: build
 
@@ -30,8 +33,30 @@ asan: setup
 	cmake --build $(ASAN_BUILD) -j$(JOBS)
 	ctest --test-dir $(ASAN_BUILD) -L unit --output-on-failure -j$(JOBS)
 
+# libFuzzer targets: a separate clang build, instrumented and sanitized throughout.
+fuzz-build: setup
+	cmake -S . -B $(FUZZ_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
+	      -DQUIBLO_FUZZ=ON $(CMAKE_ARGS)
+	cmake --build $(FUZZ_BUILD) -j$(JOBS) --target fuzzers
+
+# Runs each fuzz target for FUZZ_SECONDS. New corpus entries stay in $(FUZZ_BUILD)/corpus; crashing
+# inputs land in $(FUZZ_BUILD)/artifacts (keep them in tests/ads/ThirdParty/data once fixed).
+FUZZ_FLAGS = -max_total_time=$(FUZZ_SECONDS) -max_len=4096 -timeout=10 -print_final_stats=1
+fuzz: fuzz-build
+	mkdir -p $(FUZZ_BUILD)/corpus/json $(FUZZ_BUILD)/corpus/encoding $(FUZZ_BUILD)/artifacts
+	$(FUZZ_BUILD)/fuzz/zebjson_fuzzer $(FUZZ_FLAGS) -dict=fuzz/json.dict \
+	    -artifact_prefix=$(FUZZ_BUILD)/artifacts/json- \
+	    $(FUZZ_BUILD)/corpus/json $(TESTDATA)/JSONTestSuite/test_parsing tests/ads/ThirdParty/data
+	$(FUZZ_BUILD)/fuzz/kblstringencoding_fuzzer $(FUZZ_FLAGS) \
+	    -artifact_prefix=$(FUZZ_BUILD)/artifacts/encoding- \
+	    $(FUZZ_BUILD)/corpus/encoding tests/ads/ThirdParty/data
+
+# Throughput against other libraries; prints MB/s and the ratios.
+bench: build
+	$(BUILD)/bench/codec_bench
+
 format:
 	git ls-files '*.h' '*.cpp' | xargs clang-format -i
 
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD)
+	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD)

@@ -27,22 +27,48 @@ int digitCount(Mantissa m) {
     return n;
 }
 
-std::string mantissaDigits(Mantissa m) {
-    char buffer[40];
-    char* end = buffer + sizeof buffer;
-    char* p = end;
-    do {
-        *--p = static_cast<char>('0' + static_cast<int>(m % 10));
-        m /= 10;
-    } while (m != 0);
-    return std::string(p, end);
+// Two decimal digits per table entry: "00", "01", ... "99".
+constexpr char kDigitPairs[201] =
+    "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
+    "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
+    "8081828384858687888990919293949596979899";
+
+// Writes the digits of v so that they end just before `end`; returns where they start.
+char* writeDigitsBackward(uint64_t v, char* end) {
+    while (v >= 100) {
+        unsigned pair = static_cast<unsigned>(v % 100) * 2;
+        v /= 100;
+        *--end = kDigitPairs[pair + 1];
+        *--end = kDigitPairs[pair];
+    }
+    if (v >= 10) {
+        unsigned pair = static_cast<unsigned>(v) * 2;
+        *--end = kDigitPairs[pair + 1];
+        *--end = kDigitPairs[pair];
+    } else {
+        *--end = static_cast<char>('0' + v);
+    }
+    return end;
+}
+
+// All digits of m (at most 39), ending just before `end`; returns where they start.
+char* mantissaDigits(Mantissa m, char* end) {
+    if (m <= std::numeric_limits<uint64_t>::max()) return writeDigitsBackward(static_cast<uint64_t>(m), end);
+    // One 128-bit division splits m into two halves that 64-bit arithmetic can print.
+    constexpr uint64_t kTen19 = 10'000'000'000'000'000'000ULL;
+    Mantissa high = m / kTen19;
+    uint64_t low = static_cast<uint64_t>(m - high * kTen19);
+    char* lowStart = writeDigitsBackward(low, end);
+    char* p = end - 19;
+    while (lowStart > p) *--lowStart = '0';
+    return writeDigitsBackward(static_cast<uint64_t>(high), p);
 }
 
 }  // namespace
 
 std::optional<Decimal> Decimal::make(Mantissa mantissa, int exponent, bool negative) {
-    Decimal d;
-    if (mantissa == 0) return d;
+    if (mantissa <= std::numeric_limits<uint64_t>::max())
+        return make64(static_cast<uint64_t>(mantissa), exponent, negative);
     // Keep at most 38 digits, rounding half up.
     while (mantissa >= kLimit) {
         Mantissa rest = mantissa % 10;
@@ -54,18 +80,36 @@ std::optional<Decimal> Decimal::make(Mantissa mantissa, int exponent, bool negat
         mantissa /= 10;
         ++exponent;
     }
-    while (exponent > kMaxExponent && mantissa < kLimit / 10) {
-        mantissa *= 10;
-        --exponent;
-    }
-    if (exponent > kMaxExponent) return std::nullopt;
-    while (exponent < kMinExponent && mantissa != 0) {
-        Mantissa rest = mantissa % 10;
+    return fit(mantissa, exponent, negative);
+}
+
+std::optional<Decimal> Decimal::make64(uint64_t mantissa, int exponent, bool negative) {
+    Decimal d;
+    if (mantissa == 0) return d;
+    while (mantissa % 10 == 0) {
         mantissa /= 10;
-        if (rest >= 5) ++mantissa;
         ++exponent;
     }
-    if (mantissa == 0) return d;  // underflow reads as zero
+    if (exponent >= kMinExponent && exponent <= kMaxExponent) {
+        d.lo_ = mantissa;
+        d.exponent_ = exponent;
+        d.negative_ = negative;
+        return d;
+    }
+    return fit(mantissa, exponent, negative);
+}
+
+std::optional<Decimal> Decimal::fit(Mantissa mantissa, int exponent, bool negative) {
+    if (exponent < kMinExponent) return std::nullopt;
+    if (exponent > kMaxExponent) {
+        if (exponent > kMaxExponent + kMaxDigits) return std::nullopt;
+        while (exponent > kMaxExponent && mantissa < kLimit / 10) {
+            mantissa *= 10;
+            --exponent;
+        }
+        if (exponent > kMaxExponent) return std::nullopt;
+    }
+    Decimal d;
     d.hi_ = static_cast<uint64_t>(mantissa >> 64);
     d.lo_ = static_cast<uint64_t>(mantissa);
     d.exponent_ = exponent;
@@ -143,34 +187,44 @@ std::optional<Decimal> Decimal::parse(std::string_view text) {
     if (roundUp) ++mantissa;
     if (mantissa == 0) return Decimal{};
     if (exponent > 2 * kMaxExponent + kMaxDigits) return std::nullopt;
-    if (exponent < 2 * kMinExponent - kMaxDigits) return Decimal{};
+    if (exponent < 2 * kMinExponent - kMaxDigits) return std::nullopt;
     return make(mantissa, static_cast<int>(exponent), negative);
 }
 
 std::string Decimal::toString() const {
-    std::string digits = mantissaDigits(mantissa());
-    std::string out;
-    if (negative_ && !isZero()) out += '-';
+    char buffer[kMaxTextLength];
+    return std::string(buffer, toChars(buffer));
+}
+
+char* Decimal::toChars(char* out) const {
+    char digitBuffer[40];
+    char* digitsEnd = digitBuffer + sizeof digitBuffer;
+    char* digits = mantissaDigits(mantissa(), digitsEnd);
+    size_t count = static_cast<size_t>(digitsEnd - digits);
+    if (negative_ && !isZero()) *out++ = '-';
     if (exponent_ >= 0) {
-        out += digits;
-        if (!isZero()) out.append(static_cast<size_t>(exponent_), '0');
+        out = std::copy(digits, digitsEnd, out);
+        if (!isZero()) out = std::fill_n(out, exponent_, '0');
         return out;
     }
     size_t fraction = static_cast<size_t>(-exponent_);
-    if (digits.size() > fraction) {
-        out.append(digits, 0, digits.size() - fraction);
-        out += '.';
-        out.append(digits, digits.size() - fraction, std::string::npos);
-    } else {
-        out += "0.";
-        out.append(fraction - digits.size(), '0');
-        out += digits;
+    if (count > fraction) {
+        out = std::copy(digits, digitsEnd - fraction, out);
+        *out++ = '.';
+        return std::copy(digitsEnd - fraction, digitsEnd, out);
     }
-    return out;
+    *out++ = '0';
+    *out++ = '.';
+    out = std::fill_n(out, fraction - count, '0');
+    return std::copy(digits, digitsEnd, out);
 }
 
 double Decimal::toDouble() const {
-    std::string text = mantissaDigits(mantissa()) + "e" + std::to_string(exponent_);
+    char digitBuffer[40];
+    char* digitsEnd = digitBuffer + sizeof digitBuffer;
+    std::string text(mantissaDigits(mantissa(), digitsEnd), digitsEnd);
+    text += 'e';
+    text += std::to_string(exponent_);
     double value = 0;
     auto result = std::from_chars(text.data(), text.data() + text.size(), value);
     if (result.ec == std::errc::result_out_of_range) value = exponent_ > 0 ? HUGE_VAL : 0.0;

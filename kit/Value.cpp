@@ -38,7 +38,46 @@ Value& Value::operator=(const Value& other) {
     return *this;
 }
 
-Value::~Value() = default;
+namespace {
+// Containers being destroyed on this thread, one inside the other.
+thread_local int destroyDepth = 0;
+constexpr int kMaxRecursiveDestroy = 256;
+}  // namespace
+
+// Destroying nested arrays and maps recurses; beyond a few hundred levels (a value read with no depth
+// limit) the rest is taken apart with a list instead, so that no nesting can overflow the stack.
+Value::~Value() {
+    size_t index = storage_.index();
+    if (index != static_cast<size_t>(Type::Array) && index != static_cast<size_t>(Type::Map)) return;
+    if (destroyDepth < kMaxRecursiveDestroy) {
+        ++destroyDepth;
+        storage_.emplace<std::monostate>();
+        --destroyDepth;
+        return;
+    }
+    std::vector<Value> pending;
+    detachChildren(pending);
+    while (!pending.empty()) {
+        Value next = std::move(pending.back());
+        pending.pop_back();
+        next.detachChildren(pending);
+    }
+}
+
+void Value::detachChildren(std::vector<Value>& pending) {
+    auto nested = [](const Value& v) {
+        if (const Array* a = v.array()) return !a->empty();
+        const Map* m = v.map();
+        return m && !m->empty();
+    };
+    if (Array* a = array()) {
+        for (Value& child : *a)
+            if (nested(child)) pending.push_back(std::move(child));
+    } else if (Map* m = map()) {
+        for (auto& entry : *m)
+            if (nested(entry.second)) pending.push_back(std::move(entry.second));
+    }
+}
 
 const Value::Map* Value::map() const {
     auto* m = std::get_if<std::unique_ptr<Map>>(&storage_);
@@ -230,6 +269,59 @@ Value::Map::Map(std::initializer_list<Entry> entries) {
 }
 
 Value::Map::Map(const Map& other) : entries_(other.entries_) {}
+
+Value::Map Value::Map::fromEntries(std::vector<Entry> entries) {
+    Map map;
+    const size_t n = entries.size();
+    std::vector<bool> repeated;
+    auto markRepeat = [&](size_t first, size_t later) {
+        entries[first].second = std::move(entries[later].second);
+        if (repeated.empty()) repeated.resize(n);
+        repeated[later] = true;
+    };
+    if (n <= kIndexThreshold) {
+        for (size_t i = 1; i < n; ++i) {
+            const std::string& key = entries[i].first;
+            for (size_t j = 0; j < i; ++j) {
+                if ((repeated.empty() || !repeated[j]) && entries[j].first == key) {
+                    markRepeat(j, i);
+                    break;
+                }
+            }
+        }
+    } else {
+        // Open addressing on the key hashes; slots hold entry index + 1.
+        size_t capacity = 1;
+        while (capacity < n * 2) capacity <<= 1;
+        std::vector<uint32_t> slots(capacity);
+        std::hash<std::string_view> hash;
+        for (size_t i = 0; i < n; ++i) {
+            size_t slot = hash(entries[i].first) & (capacity - 1);
+            for (;; slot = (slot + 1) & (capacity - 1)) {
+                if (slots[slot] == 0) {
+                    slots[slot] = static_cast<uint32_t>(i + 1);
+                    break;
+                }
+                size_t j = slots[slot] - 1;
+                if (entries[j].first == entries[i].first) {
+                    markRepeat(j, i);
+                    break;
+                }
+            }
+        }
+    }
+    if (!repeated.empty()) {
+        size_t kept = 0;
+        for (size_t i = 0; i < n; ++i)
+            if (!repeated[i]) {
+                if (kept != i) entries[kept] = std::move(entries[i]);
+                ++kept;
+            }
+        entries.erase(entries.begin() + static_cast<ptrdiff_t>(kept), entries.end());
+    }
+    map.entries_ = std::move(entries);
+    return map;
+}
 
 Value::Map& Value::Map::operator=(const Map& other) {
     if (this != &other) {
