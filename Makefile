@@ -51,9 +51,10 @@ fuzz: fuzz-build
 	    -artifact_prefix=$(FUZZ_BUILD)/artifacts/encoding- \
 	    $(FUZZ_BUILD)/corpus/encoding tests/ads/ThirdParty/data
 
-# Throughput against other libraries; prints MB/s and the ratios.
+# Codec throughput against other libraries (MB/s and ratios); the soundboard's touch-to-sound latency.
 bench: build
 	$(BUILD)/bench/codec_bench
+	$(BUILD)/bench/touch_latency_probe
 
 format:
 	git ls-files '*.h' '*.cpp' | xargs clang-format -i
