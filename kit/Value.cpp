@@ -21,7 +21,9 @@ Value::Value(unsigned long long i) : Value(static_cast<unsigned long>(i)) {}
 
 Value::Value(Map m) : storage_(std::make_unique<Map>(std::move(m))) {}
 
-Value::Value(const Value& other) { *this = other; }
+Value::Value(const Value& other) {
+    *this = other;
+}
 
 Value& Value::operator=(const Value& other) {
     if (this == &other) return *this;
@@ -211,12 +213,18 @@ void describe(const Value& v, std::string& out, int level, bool top) {
             break;
         case Value::Type::Date: {
             double s = v.date()->secondsSince1970;
-            std::time_t t = static_cast<std::time_t>(std::floor(s));
+            // Only a finite moment within the calendar's reach has a calendar text; any other date
+            // (NaN, infinite, or years beyond the calendar) is described by its count of seconds.
             std::tm tm{};
-            gmtime_r(&t, &tm);
-            char buffer[40];
-            std::strftime(buffer, sizeof buffer, "%Y-%m-%d %H:%M:%S +0000", &tm);
-            out += buffer;
+            bool calendar = std::isfinite(s) && std::fabs(s) < 1e17;
+            std::time_t t = calendar ? static_cast<std::time_t>(std::floor(s)) : 0;
+            if (calendar && gmtime_r(&t, &tm)) {
+                char buffer[64];
+                std::strftime(buffer, sizeof buffer, "%Y-%m-%d %H:%M:%S +0000", &tm);
+                out += buffer;
+            } else {
+                out += fmt::format("{} seconds since 1970", s);
+            }
             break;
         }
         case Value::Type::Data: {

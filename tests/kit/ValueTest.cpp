@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 using kit::Decimal;
 using kit::Value;
 
@@ -95,7 +97,16 @@ TEST(Value, LargeMapsStayConsistentThroughEditsAndCopies) {
 
 TEST(Value, DescriptionReadsLikeAPropertyList) {
     Value v(Value::Map{{"name", "two words"}, {"n", 3}, {"list", Value::Array{1, "a"}}});
-    EXPECT_EQ(v.description(), "{\n    name = \"two words\";\n    n = 3;\n    list = (\n        1,\n        a\n    );\n}");
+    EXPECT_EQ(v.description(),
+              "{\n    name = \"two words\";\n    n = 3;\n    list = (\n        1,\n        a\n    );\n}");
     EXPECT_EQ(Value("plain text").description(), "plain text");
     EXPECT_EQ(Value(Value::Date{0}).description(), "1970-01-01 00:00:00 +0000");
+}
+
+TEST(Value, DatesOutsideTheCalendarAreDescribedBySeconds) {
+    EXPECT_EQ(Value(Value::Date{-0.5}).description(), "1969-12-31 23:59:59 +0000");
+    EXPECT_EQ(Value(Value::Date{std::nan("")}).description(), "nan seconds since 1970");
+    EXPECT_EQ(Value(Value::Date{-HUGE_VAL}).description(), "-inf seconds since 1970");
+    EXPECT_EQ(Value(Value::Date{1e300}).description(), "1e+300 seconds since 1970");
+    EXPECT_EQ(Value(Value::Date{-9.3e18}).description(), "-9.3e+18 seconds since 1970");
 }
