@@ -2,6 +2,7 @@
 
 #include "kit/RunLoop.h"
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 
@@ -13,6 +14,11 @@ Platform* gPlatform = nullptr;
 }
 
 Platform::~Platform() = default;
+
+double Platform::secondsSince1970() const {
+    using namespace std::chrono;
+    return duration<double>(system_clock::now().time_since_epoch()).count();
+}
 
 void Platform::shutdown() { runLoop().clear(); }
 

@@ -48,6 +48,10 @@ void SimPlatform::shutdown() {
     runLoop_->clear();
 }
 
+double SimPlatform::secondsSince1970() const {
+    return kStartDate + (clock_->now() - SimRunLoop::kStartTime);
+}
+
 SimPlatform& SimPlatform::install() {
     auto platform = std::make_unique<SimPlatform>();
     SimPlatform& ref = *platform;
