@@ -50,6 +50,7 @@ public:
     SimApplication& simApplication() { return *application_; }
     SimSoundService& sounds() { return sound_; }
     const std::filesystem::path& folder() const { return folder_; }
+    Bundle& bundle() { return bundle_; }
     SimAudioSession& simAudioSession() { return audio_; }
     SimNetwork& network() { return network_; }
     // The wall clock when the platform starts: 2024-01-01 00:00:00 UTC.
