@@ -1,5 +1,6 @@
 #include "ads/Utility/ZEBDeployment.h"
 
+#include "kit/Log.h"
 #include "kit/Url.h"
 
 #include <cstdlib>
@@ -40,7 +41,13 @@ ZEBDeployment ZEBDeployment::withOverride(std::optional<std::string_view> adServ
 const ZEBDeployment& ZEBDeployment::current() {
     static const ZEBDeployment deployment = [] {
         const char* adServer = std::getenv("VANTOR_AD_SERVER");
-        return withOverride(adServer && *adServer ? std::optional<std::string_view>(adServer) : std::nullopt);
+        if (!adServer || !*adServer) return withOverride(std::nullopt);
+        ZEBDeployment deployment = withOverride(adServer);
+        if (deployment.adServerURL == withOverride(std::nullopt).adServerURL &&
+            deployment.adServerURL != adServer)
+            kit::Log::format("<Vantor> VANTOR_AD_SERVER is no http(s) URL with a host, using {}",
+                             deployment.adServerURL);
+        return deployment;
     }();
     return deployment;
 }
