@@ -1,6 +1,9 @@
 #include "kit/Platform.h"
 
 #include "kit/RunLoop.h"
+#include "kit/UrlCache.h"
+
+#include <chrono>
 
 #include <cstdio>
 #include <cstdlib>
@@ -12,9 +15,21 @@ std::unique_ptr<Platform> gOwner;
 Platform* gPlatform = nullptr;
 }
 
+Platform::Platform() = default;
 Platform::~Platform() = default;
 
 void Platform::shutdown() { runLoop().clear(); }
+
+std::unique_ptr<UrlLoader> Platform::makeUrlLoader(const UrlRequest&, UrlLoader::Client&) { return nullptr; }
+
+double Platform::currentTime() const {
+    return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
+}
+
+UrlCache& Platform::urlCache() {
+    if (!urlCache_) urlCache_ = std::make_unique<UrlCache>();
+    return *urlCache_;
+}
 
 void Platform::install(std::unique_ptr<Platform> platform) {
     uninstall();

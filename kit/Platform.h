@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kit/UrlLoader.h"
+
 #include <memory>
 
 namespace kit {
@@ -12,6 +14,7 @@ class RunLoop;
 class Screen;
 class SoundService;
 class UserDefaults;
+class UrlCache;
 class ViewPeerFactory;
 
 // The services of one port (the Qt port in the application, the simulated port in unit tests).
@@ -40,11 +43,23 @@ public:
     // Makes platform peers for views that enter a window; none on a port without a display.
     virtual ViewPeerFactory* viewPeerFactory() { return nullptr; }
 
+    // ---- HTTP
+    // One exchange for a UrlConnection (see UrlLoader); none on a port without a network.
+    virtual std::unique_ptr<UrlLoader> makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client);
+    // The process's shared answer cache.
+    UrlCache& urlCache();
+
+    // The wall clock: seconds since 1970 (the simulated port moves it with virtual time).
+    virtual double currentTime() const;
+
 protected:
-    Platform() = default;
+    Platform();
     // Called while the platform is still installed, before it is destroyed: drop pending work
     // whose destruction may still reach the platform.
     virtual void shutdown();
+
+private:
+    std::unique_ptr<UrlCache> urlCache_;
 };
 
 }  // namespace kit

@@ -55,6 +55,14 @@ SimPlatform& SimPlatform::install() {
     return ref;
 }
 
+std::unique_ptr<UrlLoader> SimPlatform::makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client) {
+    return network_.makeLoader(request, client);
+}
+
+double SimPlatform::currentTime() const { return currentTimeOffset_ + clock_->now(); }
+
+void SimPlatform::setCurrentTime(double secondsSince1970) { currentTimeOffset_ = secondsSince1970 - clock_->now(); }
+
 SimPlatform& SimPlatform::current() { return static_cast<SimPlatform&>(Platform::current()); }
 
 }  // namespace kit::sim

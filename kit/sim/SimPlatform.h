@@ -8,6 +8,7 @@
 #include "kit/Screen.h"
 #include "kit/UserDefaults.h"
 #include "kit/sim/SimApplication.h"
+#include "kit/sim/SimNetwork.h"
 #include "kit/sim/SimRunLoop.h"
 #include "kit/sim/SimSoundService.h"
 
@@ -35,11 +36,19 @@ public:
     FileManager& fileManager() override { return *fileManager_; }
     UserDefaults& userDefaults() override { return userDefaults_; }
     SoundService& soundService() override { return sound_; }
+    std::unique_ptr<UrlLoader> makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client) override;
+    // Starts at kStartDate and moves with the virtual clock.
+    double currentTime() const override;
 
     SimRunLoop& clock() { return *clock_; }
     SimApplication& simApplication() { return *application_; }
     SimSoundService& sounds() { return sound_; }
     const std::filesystem::path& folder() const { return folder_; }
+    SimNetwork& network() { return network_; }
+    // The wall clock reads `secondsSince1970` now, and moves on with virtual time from there.
+    void setCurrentTime(double secondsSince1970);
+    // 2024-01-01 00:00:00 UTC.
+    static constexpr double kStartDate = 1704067200;
 
 protected:
     void shutdown() override;
@@ -56,6 +65,8 @@ private:
     UserDefaults userDefaults_;
     SimSoundService sound_;
     std::shared_ptr<SimApplication> application_;
+    SimNetwork network_;
+    double currentTimeOffset_ = kStartDate - SimRunLoop::kStartTime;
 };
 
 }  // namespace kit::sim
