@@ -22,8 +22,9 @@ void Platform::shutdown() { runLoop().clear(); }
 
 std::unique_ptr<UrlLoader> Platform::makeUrlLoader(const UrlRequest&, UrlLoader::Client&) { return nullptr; }
 
-double Platform::currentTime() const {
-    return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
+double Platform::secondsSince1970() const {
+    using namespace std::chrono;
+    return duration<double>(system_clock::now().time_since_epoch()).count();
 }
 
 UrlCache& Platform::urlCache() {

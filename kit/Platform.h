@@ -48,9 +48,8 @@ public:
     virtual std::unique_ptr<UrlLoader> makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client);
     // The process's shared answer cache.
     UrlCache& urlCache();
-
-    // The wall clock: seconds since 1970 (the simulated port moves it with virtual time).
-    virtual double currentTime() const;
+    // The wall clock (seconds since 1970; virtual in the simulated port).
+    virtual double secondsSince1970() const;
 
 protected:
     Platform();

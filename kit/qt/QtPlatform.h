@@ -13,6 +13,8 @@
 
 #include <memory>
 
+class QNetworkAccessManager;
+
 namespace kit::qt {
 
 // The real port on a Linux desktop. Needs a QApplication. The device's screen is a window of the
@@ -33,6 +35,8 @@ public:
     UserDefaults& userDefaults() override { return *userDefaults_; }
     SoundService& soundService() override { return *sound_; }
     ViewPeerFactory* viewPeerFactory() override { return &peers_; }
+    // On one QNetworkAccessManager for the process, which also keeps its cookies.
+    std::unique_ptr<UrlLoader> makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client) override;
 
 protected:
     void shutdown() override;
@@ -47,6 +51,7 @@ private:
     std::unique_ptr<SdlSoundService> sound_;
     QtViewPeerFactory peers_;
     std::shared_ptr<QtApplication> application_;
+    std::unique_ptr<QNetworkAccessManager> network_;
 };
 
 }  // namespace kit::qt

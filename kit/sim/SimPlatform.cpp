@@ -56,12 +56,12 @@ SimPlatform& SimPlatform::install() {
 }
 
 std::unique_ptr<UrlLoader> SimPlatform::makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client) {
-    return network_.makeLoader(request, client);
+    return http_.makeLoader(request, client);
 }
 
-double SimPlatform::currentTime() const { return currentTimeOffset_ + clock_->now(); }
-
-void SimPlatform::setCurrentTime(double secondsSince1970) { currentTimeOffset_ = secondsSince1970 - clock_->now(); }
+double SimPlatform::secondsSince1970() const {
+    return kStartDate + (clock_->now() - SimRunLoop::kStartTime);
+}
 
 SimPlatform& SimPlatform::current() { return static_cast<SimPlatform&>(Platform::current()); }
 

@@ -8,7 +8,7 @@
 #include "kit/Screen.h"
 #include "kit/UserDefaults.h"
 #include "kit/sim/SimApplication.h"
-#include "kit/sim/SimNetwork.h"
+#include "kit/sim/SimHttp.h"
 #include "kit/sim/SimRunLoop.h"
 #include "kit/sim/SimSoundService.h"
 
@@ -37,18 +37,17 @@ public:
     UserDefaults& userDefaults() override { return userDefaults_; }
     SoundService& soundService() override { return sound_; }
     std::unique_ptr<UrlLoader> makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client) override;
-    // Starts at kStartDate and moves with the virtual clock.
-    double currentTime() const override;
+    // Virtual: a fixed moment when the platform starts, moving with the run loop's clock.
+    double secondsSince1970() const override;
 
     SimRunLoop& clock() { return *clock_; }
     SimApplication& simApplication() { return *application_; }
     SimSoundService& sounds() { return sound_; }
     const std::filesystem::path& folder() const { return folder_; }
-    SimNetwork& network() { return network_; }
-    // The wall clock reads `secondsSince1970` now, and moves on with virtual time from there.
-    void setCurrentTime(double secondsSince1970);
-    // 2024-01-01 00:00:00 UTC.
-    static constexpr double kStartDate = 1704067200;
+    // Scripted HTTP answers and the log of requests sent.
+    SimHttp& http() { return http_; }
+    // The wall clock when the platform starts: 2024-01-01 00:00:00 UTC.
+    static constexpr double kStartDate = 1704067200.0;
 
 protected:
     void shutdown() override;
@@ -65,8 +64,7 @@ private:
     UserDefaults userDefaults_;
     SimSoundService sound_;
     std::shared_ptr<SimApplication> application_;
-    SimNetwork network_;
-    double currentTimeOffset_ = kStartDate - SimRunLoop::kStartTime;
+    SimHttp http_;
 };
 
 }  // namespace kit::sim

@@ -59,7 +59,7 @@ using Calls = std::vector<std::string>;
 
 class UrlConnectionTest : public SimTest {
 protected:
-    kit::sim::SimNetwork& network() { return sim().network(); }
+    kit::sim::SimHttp& network() { return sim().http(); }
     std::shared_ptr<UrlConnection> open(std::string_view text, bool start = true) {
         return UrlConnection::create(UrlRequest(url(text)), delegate, start);
     }

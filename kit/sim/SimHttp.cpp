@@ -1,4 +1,4 @@
-#include "kit/sim/SimNetwork.h"
+#include "kit/sim/SimHttp.h"
 
 #include "kit/Platform.h"
 #include "kit/RunLoop.h"
@@ -34,9 +34,9 @@ SimAnswer SimAnswer::failing(int urlErrorCode, double delay) {
 
 // Plays one answer on the run loop. Every report is a call of its own aimed at this loader, so
 // cancelling or destroying it drops whatever has not been reported yet.
-class SimNetwork::Loader : public UrlLoader {
+class SimHttp::Loader : public UrlLoader {
 public:
-    Loader(SimNetwork& network, const UrlRequest& request, UrlLoader::Client& client)
+    Loader(SimHttp& network, const UrlRequest& request, UrlLoader::Client& client)
         : network_(network), openCount_(network.open_), request_(request), client_(client) {}
     ~Loader() override { cancel(); }
 
@@ -91,7 +91,7 @@ private:
             client_.loaderDidFail(std::move(error));
     }
 
-    SimNetwork& network_;
+    SimHttp& network_;
     std::shared_ptr<size_t> openCount_;
     UrlRequest request_;
     UrlLoader::Client& client_;
@@ -99,15 +99,15 @@ private:
     bool open_ = false;
 };
 
-void SimNetwork::respond(const std::string& url, Script script) {
+void SimHttp::respond(const std::string& url, Script script) {
     scripts_[url] = std::move(script);
 }
 
-void SimNetwork::respond(const std::string& url, SimAnswer answer) {
+void SimHttp::respond(const std::string& url, SimAnswer answer) {
     respond(url, [answer](const UrlRequest&) { return answer; });
 }
 
-void SimNetwork::respondInTurn(const std::string& url, std::vector<SimAnswer> answers) {
+void SimHttp::respondInTurn(const std::string& url, std::vector<SimAnswer> answers) {
     auto next = std::make_shared<size_t>(0);
     respond(url, [answers = std::move(answers), next](const UrlRequest&) {
         const SimAnswer& answer = answers.at(std::min(*next, answers.size() - 1));
@@ -116,7 +116,7 @@ void SimNetwork::respondInTurn(const std::string& url, std::vector<SimAnswer> an
     });
 }
 
-SimAnswer SimNetwork::answer(const UrlRequest& request) const {
+SimAnswer SimHttp::answer(const UrlRequest& request) const {
     const std::string& url = request.url().absoluteString();
     auto script = scripts_.find(url);
     if (script == scripts_.end()) script = scripts_.find(std::string_view(url).substr(0, url.find('?')));
@@ -124,19 +124,19 @@ SimAnswer SimNetwork::answer(const UrlRequest& request) const {
     return script->second(request);
 }
 
-size_t SimNetwork::requestCount(std::string_view url) const {
+size_t SimHttp::requestCount(std::string_view url) const {
     return static_cast<size_t>(std::count_if(sent_.begin(), sent_.end(), [&](const SentRequest& sent) {
         return sent.request.url().absoluteString() == url;
     }));
 }
 
-const UrlRequest* SimNetwork::lastRequest(std::string_view url) const {
+const UrlRequest* SimHttp::lastRequest(std::string_view url) const {
     for (auto it = sent_.rbegin(); it != sent_.rend(); ++it)
         if (it->request.url().absoluteString() == url) return &it->request;
     return nullptr;
 }
 
-std::unique_ptr<UrlLoader> SimNetwork::makeLoader(const UrlRequest& request, UrlLoader::Client& client) {
+std::unique_ptr<UrlLoader> SimHttp::makeLoader(const UrlRequest& request, UrlLoader::Client& client) {
     return std::make_unique<Loader>(*this, request, client);
 }
 

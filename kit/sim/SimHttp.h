@@ -14,7 +14,7 @@
 
 namespace kit::sim {
 
-// What the simulated network answers to one request.
+// What the simulated HTTP network answers to one request.
 struct SimAnswer {
     // 0 sends no head at all (only sensible with a failure).
     int status = 200;
@@ -33,11 +33,11 @@ struct SimAnswer {
     static SimAnswer failing(int urlErrorCode, double delay = 0);
 };
 
-// The simulated network: answers scripted per URL, and a log of every request sent. A request is
+// The simulated HTTP network: answers scripted per URL, and a log of every request sent. A request is
 // answered by the script for its URL as written, else by the one for the URL without its query
 // (so that cache-busting parameters need no script of their own). A URL without a script cannot
 // be reached (UrlError::kCannotConnectToHost).
-class SimNetwork {
+class SimHttp {
 public:
     using Script = std::function<SimAnswer(const UrlRequest&)>;
 
