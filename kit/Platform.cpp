@@ -4,7 +4,6 @@
 #include "kit/UrlCache.h"
 
 #include <chrono>
-
 #include <cstdio>
 #include <cstdlib>
 
@@ -18,14 +17,14 @@ Platform* gPlatform = nullptr;
 Platform::Platform() = default;
 Platform::~Platform() = default;
 
-void Platform::shutdown() { runLoop().clear(); }
-
-std::unique_ptr<UrlLoader> Platform::makeUrlLoader(const UrlRequest&, UrlLoader::Client&) { return nullptr; }
-
 double Platform::secondsSince1970() const {
     using namespace std::chrono;
     return duration<double>(system_clock::now().time_since_epoch()).count();
 }
+
+void Platform::shutdown() { runLoop().clear(); }
+
+std::unique_ptr<UrlLoader> Platform::makeUrlLoader(const UrlRequest&, UrlLoader::Client&) { return nullptr; }
 
 UrlCache& Platform::urlCache() {
     if (!urlCache_) urlCache_ = std::make_unique<UrlCache>();

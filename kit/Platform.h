@@ -3,10 +3,14 @@
 #include "kit/UrlLoader.h"
 
 #include <memory>
+#include <string>
 
 namespace kit {
 
 class Application;
+class AudioSession;
+class Bundle;
+class Reachability;
 class Device;
 class FileManager;
 class NotificationCenter;
@@ -48,7 +52,12 @@ public:
     virtual std::unique_ptr<UrlLoader> makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client);
     // The process's shared answer cache.
     UrlCache& urlCache();
-    // The wall clock (seconds since 1970; virtual in the simulated port).
+
+    // Request context: the bundle's information, the audio route, reachability of a host and the
+    // wall clock (seconds since 1970; virtual in the simulated port).
+    virtual Bundle& mainBundle() = 0;
+    virtual AudioSession& audioSession() = 0;
+    virtual std::shared_ptr<Reachability> createReachability(const std::string& hostName) = 0;
     virtual double secondsSince1970() const;
 
 protected:

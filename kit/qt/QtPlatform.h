@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kit/Bundle.h"
 #include "kit/Device.h"
 #include "kit/FileManager.h"
 #include "kit/NotificationCenter.h"
@@ -7,6 +8,7 @@
 #include "kit/RunLoop.h"
 #include "kit/Screen.h"
 #include "kit/UserDefaults.h"
+#include "kit/qt/PulseAudioSession.h"
 #include "kit/qt/QtApplication.h"
 #include "kit/qt/QtViewPeerFactory.h"
 #include "kit/qt/SdlSoundService.h"
@@ -35,6 +37,9 @@ public:
     UserDefaults& userDefaults() override { return *userDefaults_; }
     SoundService& soundService() override { return *sound_; }
     ViewPeerFactory* viewPeerFactory() override { return &peers_; }
+    Bundle& mainBundle() override { return bundle_; }
+    AudioSession& audioSession() override { return audio_; }
+    std::shared_ptr<Reachability> createReachability(const std::string& hostName) override;
     // On one QNetworkAccessManager for the process, which also keeps its cookies.
     std::unique_ptr<UrlLoader> makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client) override;
 
@@ -51,6 +56,8 @@ private:
     std::unique_ptr<SdlSoundService> sound_;
     QtViewPeerFactory peers_;
     std::shared_ptr<QtApplication> application_;
+    Bundle bundle_;
+    PulseAudioSession audio_;
     std::unique_ptr<QNetworkAccessManager> network_;
 };
 

@@ -48,6 +48,10 @@ void SimPlatform::shutdown() {
     runLoop_->clear();
 }
 
+double SimPlatform::secondsSince1970() const {
+    return kStartDate + (clock_->now() - SimRunLoop::kStartTime);
+}
+
 SimPlatform& SimPlatform::install() {
     auto platform = std::make_unique<SimPlatform>();
     SimPlatform& ref = *platform;
@@ -57,10 +61,6 @@ SimPlatform& SimPlatform::install() {
 
 std::unique_ptr<UrlLoader> SimPlatform::makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client) {
     return http_.makeLoader(request, client);
-}
-
-double SimPlatform::secondsSince1970() const {
-    return kStartDate + (clock_->now() - SimRunLoop::kStartTime);
 }
 
 SimPlatform& SimPlatform::current() { return static_cast<SimPlatform&>(Platform::current()); }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kit/Bundle.h"
 #include "kit/Device.h"
 #include "kit/FileManager.h"
 #include "kit/NotificationCenter.h"
@@ -9,6 +10,8 @@
 #include "kit/UserDefaults.h"
 #include "kit/sim/SimApplication.h"
 #include "kit/sim/SimHttp.h"
+#include "kit/sim/SimAudioSession.h"
+#include "kit/sim/SimReachability.h"
 #include "kit/sim/SimRunLoop.h"
 #include "kit/sim/SimSoundService.h"
 
@@ -37,6 +40,11 @@ public:
     UserDefaults& userDefaults() override { return userDefaults_; }
     SoundService& soundService() override { return sound_; }
     std::unique_ptr<UrlLoader> makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client) override;
+    Bundle& mainBundle() override { return bundle_; }
+    AudioSession& audioSession() override { return audio_; }
+    std::shared_ptr<Reachability> createReachability(const std::string& hostName) override {
+        return network_.create(hostName);
+    }
     // Virtual: a fixed moment when the platform starts, moving with the run loop's clock.
     double secondsSince1970() const override;
 
@@ -46,6 +54,8 @@ public:
     const std::filesystem::path& folder() const { return folder_; }
     // Scripted HTTP answers and the log of requests sent.
     SimHttp& http() { return http_; }
+    SimAudioSession& simAudioSession() { return audio_; }
+    SimNetwork& network() { return network_; }
     // The wall clock when the platform starts: 2024-01-01 00:00:00 UTC.
     static constexpr double kStartDate = 1704067200.0;
 
@@ -65,6 +75,9 @@ private:
     SimSoundService sound_;
     std::shared_ptr<SimApplication> application_;
     SimHttp http_;
+    Bundle bundle_;
+    SimAudioSession audio_;
+    SimNetwork network_;
 };
 
 }  // namespace kit::sim
