@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kit/UrlLoader.h"
+
 #include <memory>
 #include <string>
 
@@ -16,6 +18,7 @@ class RunLoop;
 class Screen;
 class SoundService;
 class UserDefaults;
+class UrlCache;
 class ViewPeerFactory;
 
 // The services of one port (the Qt port in the application, the simulated port in unit tests).
@@ -44,6 +47,12 @@ public:
     // Makes platform peers for views that enter a window; none on a port without a display.
     virtual ViewPeerFactory* viewPeerFactory() { return nullptr; }
 
+    // ---- HTTP
+    // One exchange for a UrlConnection (see UrlLoader); none on a port without a network.
+    virtual std::unique_ptr<UrlLoader> makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client);
+    // The process's shared answer cache.
+    UrlCache& urlCache();
+
     // Request context: the bundle's information, the audio route, reachability of a host and the
     // wall clock (seconds since 1970; virtual in the simulated port).
     virtual Bundle& mainBundle() = 0;
@@ -52,10 +61,13 @@ public:
     virtual double secondsSince1970() const;
 
 protected:
-    Platform() = default;
+    Platform();
     // Called while the platform is still installed, before it is destroyed: drop pending work
     // whose destruction may still reach the platform.
     virtual void shutdown();
+
+private:
+    std::unique_ptr<UrlCache> urlCache_;
 };
 
 }  // namespace kit

@@ -59,6 +59,10 @@ SimPlatform& SimPlatform::install() {
     return ref;
 }
 
+std::unique_ptr<UrlLoader> SimPlatform::makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client) {
+    return http_.makeLoader(request, client);
+}
+
 SimPlatform& SimPlatform::current() { return static_cast<SimPlatform&>(Platform::current()); }
 
 }  // namespace kit::sim
