@@ -1,6 +1,7 @@
 #include "kit/Platform.h"
 
 #include "kit/RunLoop.h"
+#include "kit/WebPage.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -15,6 +16,8 @@ Platform* gPlatform = nullptr;
 Platform::~Platform() = default;
 
 void Platform::shutdown() { runLoop().clear(); }
+
+std::unique_ptr<WebPage> Platform::createWebPage(WebView&) { return nullptr; }
 
 void Platform::install(std::unique_ptr<Platform> platform) {
     uninstall();

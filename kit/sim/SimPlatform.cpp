@@ -1,5 +1,7 @@
 #include "kit/sim/SimPlatform.h"
 
+#include "kit/sim/SimWebPage.h"
+
 #include <fmt/format.h>
 
 #include <random>
@@ -47,6 +49,8 @@ void SimPlatform::shutdown() {
     application_->setDelegate(nullptr);
     runLoop_->clear();
 }
+
+std::unique_ptr<WebPage> SimPlatform::createWebPage(WebView& view) { return std::make_unique<SimWebPage>(view); }
 
 SimPlatform& SimPlatform::install() {
     auto platform = std::make_unique<SimPlatform>();

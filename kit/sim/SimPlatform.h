@@ -35,6 +35,8 @@ public:
     FileManager& fileManager() override { return *fileManager_; }
     UserDefaults& userDefaults() override { return userDefaults_; }
     SoundService& soundService() override { return sound_; }
+    // A scripted page (SimWebPage).
+    std::unique_ptr<WebPage> createWebPage(WebView& view) override;
 
     SimRunLoop& clock() { return *clock_; }
     SimApplication& simApplication() { return *application_; }
