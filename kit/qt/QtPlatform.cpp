@@ -1,6 +1,7 @@
 #include "kit/qt/QtPlatform.h"
 
 #include "kit/qt/QtRunLoop.h"
+#include "kit/qt/QtWebPage.h"
 #include "kit/qt/SystemDevice.h"
 
 #include <QCoreApplication>
@@ -39,6 +40,11 @@ QtPlatform::QtPlatform(UserInterfaceIdiom idiom)
 }
 
 QtPlatform::~QtPlatform() = default;
+
+std::unique_ptr<WebPage> QtPlatform::createWebPage(WebView& view) {
+    QtWebPage::prepareEngine();
+    return std::make_unique<QtWebPage>(view);
+}
 
 void QtPlatform::shutdown() {
     Platform::shutdown();

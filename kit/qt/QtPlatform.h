@@ -33,6 +33,8 @@ public:
     UserDefaults& userDefaults() override { return *userDefaults_; }
     SoundService& soundService() override { return *sound_; }
     ViewPeerFactory* viewPeerFactory() override { return &peers_; }
+    // A page on the real web engine (QtWebPage).
+    std::unique_ptr<WebPage> createWebPage(WebView& view) override;
 
 protected:
     void shutdown() override;
