@@ -2,6 +2,7 @@
 
 #include "kit/RunLoop.h"
 #include "kit/UrlCache.h"
+#include "kit/WebPage.h"
 
 #include <chrono>
 #include <cstdio>
@@ -30,6 +31,8 @@ UrlCache& Platform::urlCache() {
     if (!urlCache_) urlCache_ = std::make_unique<UrlCache>();
     return *urlCache_;
 }
+
+std::unique_ptr<WebPage> Platform::createWebPage(WebView&) { return nullptr; }
 
 void Platform::install(std::unique_ptr<Platform> platform) {
     uninstall();

@@ -20,6 +20,8 @@ class SoundService;
 class UserDefaults;
 class UrlCache;
 class ViewPeerFactory;
+class WebPage;
+class WebView;
 
 // The services of one port (the Qt port in the application, the simulated port in unit tests).
 // Exactly one platform is installed at a time; kit reaches it through the static accessors of each
@@ -46,6 +48,8 @@ public:
     virtual SoundService& soundService() = 0;
     // Makes platform peers for views that enter a window; none on a port without a display.
     virtual ViewPeerFactory* viewPeerFactory() { return nullptr; }
+    // The engine behind a new web view; none on a port without one (the view then loads nothing).
+    virtual std::unique_ptr<WebPage> createWebPage(WebView& view);
 
     // ---- HTTP
     // One exchange for a UrlConnection (see UrlLoader); none on a port without a network.

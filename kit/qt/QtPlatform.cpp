@@ -3,6 +3,7 @@
 #include "kit/qt/NetworkMonitorReachability.h"
 #include "kit/qt/QtRunLoop.h"
 #include "kit/qt/QtUrlLoader.h"
+#include "kit/qt/QtWebPage.h"
 #include "kit/qt/SystemDevice.h"
 
 #include <QCoreApplication>
@@ -73,6 +74,11 @@ std::unique_ptr<UrlLoader> QtPlatform::makeUrlLoader(const UrlRequest& request, 
         network_->setCache(nullptr);
     }
     return std::make_unique<QtUrlLoader>(*network_, request, client);
+}
+
+std::unique_ptr<WebPage> QtPlatform::createWebPage(WebView& view) {
+    QtWebPage::prepareEngine();
+    return std::make_unique<QtWebPage>(view);
 }
 
 void QtPlatform::shutdown() {

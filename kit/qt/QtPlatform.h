@@ -42,6 +42,8 @@ public:
     std::shared_ptr<Reachability> createReachability(const std::string& hostName) override;
     // On one QNetworkAccessManager for the process, which also keeps its cookies.
     std::unique_ptr<UrlLoader> makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client) override;
+    // A page on the real web engine (QtWebPage).
+    std::unique_ptr<WebPage> createWebPage(WebView& view) override;
 
 protected:
     void shutdown() override;

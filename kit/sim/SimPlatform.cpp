@@ -1,5 +1,7 @@
 #include "kit/sim/SimPlatform.h"
 
+#include "kit/sim/SimWebPage.h"
+
 #include <fmt/format.h>
 
 #include <random>
@@ -51,6 +53,8 @@ void SimPlatform::shutdown() {
 double SimPlatform::secondsSince1970() const {
     return kStartDate + (clock_->now() - SimRunLoop::kStartTime);
 }
+
+std::unique_ptr<WebPage> SimPlatform::createWebPage(WebView& view) { return std::make_unique<SimWebPage>(view); }
 
 SimPlatform& SimPlatform::install() {
     auto platform = std::make_unique<SimPlatform>();

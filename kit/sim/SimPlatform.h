@@ -47,6 +47,8 @@ public:
     }
     // Virtual: a fixed moment when the platform starts, moving with the run loop's clock.
     double secondsSince1970() const override;
+    // A scripted page (SimWebPage).
+    std::unique_ptr<WebPage> createWebPage(WebView& view) override;
 
     SimRunLoop& clock() { return *clock_; }
     SimApplication& simApplication() { return *application_; }
