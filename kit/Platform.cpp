@@ -1,6 +1,8 @@
 #include "kit/Platform.h"
 
 #include "kit/RunLoop.h"
+#include "kit/UrlCache.h"
+#include "kit/WebPage.h"
 
 #include <chrono>
 #include <cstdio>
@@ -13,6 +15,7 @@ std::unique_ptr<Platform> gOwner;
 Platform* gPlatform = nullptr;
 }
 
+Platform::Platform() = default;
 Platform::~Platform() = default;
 
 double Platform::secondsSince1970() const {
@@ -21,6 +24,15 @@ double Platform::secondsSince1970() const {
 }
 
 void Platform::shutdown() { runLoop().clear(); }
+
+std::unique_ptr<UrlLoader> Platform::makeUrlLoader(const UrlRequest&, UrlLoader::Client&) { return nullptr; }
+
+UrlCache& Platform::urlCache() {
+    if (!urlCache_) urlCache_ = std::make_unique<UrlCache>();
+    return *urlCache_;
+}
+
+std::unique_ptr<WebPage> Platform::createWebPage(WebView&) { return nullptr; }
 
 void Platform::install(std::unique_ptr<Platform> platform) {
     uninstall();

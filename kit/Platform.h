@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kit/UrlLoader.h"
+
 #include <memory>
 #include <string>
 
@@ -16,7 +18,10 @@ class RunLoop;
 class Screen;
 class SoundService;
 class UserDefaults;
+class UrlCache;
 class ViewPeerFactory;
+class WebPage;
+class WebView;
 
 // The services of one port (the Qt port in the application, the simulated port in unit tests).
 // Exactly one platform is installed at a time; kit reaches it through the static accessors of each
@@ -43,6 +48,14 @@ public:
     virtual SoundService& soundService() = 0;
     // Makes platform peers for views that enter a window; none on a port without a display.
     virtual ViewPeerFactory* viewPeerFactory() { return nullptr; }
+    // The engine behind a new web view; none on a port without one (the view then loads nothing).
+    virtual std::unique_ptr<WebPage> createWebPage(WebView& view);
+
+    // ---- HTTP
+    // One exchange for a UrlConnection (see UrlLoader); none on a port without a network.
+    virtual std::unique_ptr<UrlLoader> makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client);
+    // The process's shared answer cache.
+    UrlCache& urlCache();
 
     // Request context: the bundle's information, the audio route, reachability of a host and the
     // wall clock (seconds since 1970; virtual in the simulated port).
@@ -52,10 +65,13 @@ public:
     virtual double secondsSince1970() const;
 
 protected:
-    Platform() = default;
+    Platform();
     // Called while the platform is still installed, before it is destroyed: drop pending work
     // whose destruction may still reach the platform.
     virtual void shutdown();
+
+private:
+    std::unique_ptr<UrlCache> urlCache_;
 };
 
 }  // namespace kit

@@ -8,6 +8,7 @@
 #include "kit/RunLoop.h"
 #include "kit/Window.h"
 #include "kit/qt/QtPlatform.h"
+#include "kit/qt/QtWebPage.h"
 #include "kit/qt/QtWindowPeer.h"
 
 #include <QApplication>
@@ -77,6 +78,7 @@ void tapControls(const std::shared_ptr<Window>& window, std::function<void()> do
 }  // namespace
 
 int applicationMain(int argc, char** argv, const char* delegateClassName) {
+    qt::QtWebPage::prepareEngine();
     QApplication qtApplication(argc, argv);
     QApplication::setApplicationName("quiblo");
     Options options = parse(argc, argv);

@@ -2,10 +2,13 @@
 
 #include "kit/qt/NetworkMonitorReachability.h"
 #include "kit/qt/QtRunLoop.h"
+#include "kit/qt/QtUrlLoader.h"
+#include "kit/qt/QtWebPage.h"
 #include "kit/qt/SystemDevice.h"
 
 #include <QCoreApplication>
 #include <QGuiApplication>
+#include <QNetworkAccessManager>
 #include <QScreen>
 #include <QStandardPaths>
 
@@ -63,6 +66,20 @@ std::shared_ptr<Reachability> QtPlatform::createReachability(const std::string& 
 }
 
 QtPlatform::~QtPlatform() = default;
+
+std::unique_ptr<UrlLoader> QtPlatform::makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client) {
+    if (!network_) {
+        network_ = std::make_unique<QNetworkAccessManager>();
+        network_->setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
+        network_->setCache(nullptr);
+    }
+    return std::make_unique<QtUrlLoader>(*network_, request, client);
+}
+
+std::unique_ptr<WebPage> QtPlatform::createWebPage(WebView& view) {
+    QtWebPage::prepareEngine();
+    return std::make_unique<QtWebPage>(view);
+}
 
 void QtPlatform::shutdown() {
     Platform::shutdown();

@@ -15,6 +15,8 @@
 
 #include <memory>
 
+class QNetworkAccessManager;
+
 namespace kit::qt {
 
 // The real port on a Linux desktop. Needs a QApplication. The device's screen is a window of the
@@ -38,6 +40,10 @@ public:
     Bundle& mainBundle() override { return bundle_; }
     AudioSession& audioSession() override { return audio_; }
     std::shared_ptr<Reachability> createReachability(const std::string& hostName) override;
+    // On one QNetworkAccessManager for the process, which also keeps its cookies.
+    std::unique_ptr<UrlLoader> makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client) override;
+    // A page on the real web engine (QtWebPage).
+    std::unique_ptr<WebPage> createWebPage(WebView& view) override;
 
 protected:
     void shutdown() override;
@@ -54,6 +60,7 @@ private:
     std::shared_ptr<QtApplication> application_;
     Bundle bundle_;
     PulseAudioSession audio_;
+    std::unique_ptr<QNetworkAccessManager> network_;
 };
 
 }  // namespace kit::qt

@@ -2,9 +2,12 @@
 
 #include "kit/RunLoop.h"
 #include "kit/Window.h"
+#include "kit/qt/QtWebViewPeer.h"
 
 #include <QCloseEvent>
 #include <QMouseEvent>
+
+#include <utility>
 
 namespace kit::qt {
 
@@ -32,11 +35,14 @@ void QtWindowPeer::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton || touching_) return;
     touching_ = true;
     QPointF p = event->position();
+    // Pages take their presses themselves, once the model has seen them.
+    if ((pressedPage_ = QtWebViewPeer::pageAt(window_, p))) return pressedPage_->forwardMouse(*this, *event);
     window_.touchDown({p.x(), p.y()});
 }
 
 void QtWindowPeer::mouseMoveEvent(QMouseEvent* event) {
     if (!touching_) return;
+    if (pressedPage_) return pressedPage_->forwardMouse(*this, *event);
     QPointF p = event->position();
     window_.touchMoved({p.x(), p.y()});
 }
@@ -44,6 +50,7 @@ void QtWindowPeer::mouseMoveEvent(QMouseEvent* event) {
 void QtWindowPeer::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton || !touching_) return;
     touching_ = false;
+    if (auto page = std::exchange(pressedPage_, nullptr)) return page->forwardMouse(*this, *event);
     QPointF p = event->position();
     window_.touchUp({p.x(), p.y()});
 }

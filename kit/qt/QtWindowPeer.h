@@ -2,6 +2,8 @@
 
 #include "kit/qt/QtViewPeer.h"
 
+#include <QPointer>
+
 namespace kit {
 class Window;
 }
@@ -26,6 +28,8 @@ protected:
 private:
     Window& window_;
     bool touching_ = false;
+    // The page that took the current press, if one did.
+    QPointer<class QtWebViewPeer> pressedPage_;
 };
 
 }  // namespace kit::qt

@@ -1,5 +1,7 @@
 #include "kit/sim/SimPlatform.h"
 
+#include "kit/sim/SimWebPage.h"
+
 #include <fmt/format.h>
 
 #include <random>
@@ -52,11 +54,17 @@ double SimPlatform::secondsSince1970() const {
     return kStartDate + (clock_->now() - SimRunLoop::kStartTime);
 }
 
+std::unique_ptr<WebPage> SimPlatform::createWebPage(WebView& view) { return std::make_unique<SimWebPage>(view); }
+
 SimPlatform& SimPlatform::install() {
     auto platform = std::make_unique<SimPlatform>();
     SimPlatform& ref = *platform;
     Platform::install(std::move(platform));
     return ref;
+}
+
+std::unique_ptr<UrlLoader> SimPlatform::makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client) {
+    return http_.makeLoader(request, client);
 }
 
 SimPlatform& SimPlatform::current() { return static_cast<SimPlatform&>(Platform::current()); }

@@ -9,6 +9,7 @@
 #include "kit/Screen.h"
 #include "kit/UserDefaults.h"
 #include "kit/sim/SimApplication.h"
+#include "kit/sim/SimHttp.h"
 #include "kit/sim/SimAudioSession.h"
 #include "kit/sim/SimReachability.h"
 #include "kit/sim/SimRunLoop.h"
@@ -38,6 +39,7 @@ public:
     FileManager& fileManager() override { return *fileManager_; }
     UserDefaults& userDefaults() override { return userDefaults_; }
     SoundService& soundService() override { return sound_; }
+    std::unique_ptr<UrlLoader> makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client) override;
     Bundle& mainBundle() override { return bundle_; }
     AudioSession& audioSession() override { return audio_; }
     std::shared_ptr<Reachability> createReachability(const std::string& hostName) override {
@@ -45,12 +47,16 @@ public:
     }
     // Virtual: a fixed moment when the platform starts, moving with the run loop's clock.
     double secondsSince1970() const override;
+    // A scripted page (SimWebPage).
+    std::unique_ptr<WebPage> createWebPage(WebView& view) override;
 
     SimRunLoop& clock() { return *clock_; }
     SimApplication& simApplication() { return *application_; }
     SimSoundService& sounds() { return sound_; }
     const std::filesystem::path& folder() const { return folder_; }
     Bundle& bundle() { return bundle_; }
+    // Scripted HTTP answers and the log of requests sent.
+    SimHttp& http() { return http_; }
     SimAudioSession& simAudioSession() { return audio_; }
     SimNetwork& network() { return network_; }
     // The wall clock when the platform starts: 2024-01-01 00:00:00 UTC.
@@ -71,6 +77,7 @@ private:
     UserDefaults userDefaults_;
     SimSoundService sound_;
     std::shared_ptr<SimApplication> application_;
+    SimHttp http_;
     Bundle bundle_;
     SimAudioSession audio_;
     SimNetwork network_;

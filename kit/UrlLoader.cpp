@@ -1,0 +1,8 @@
+#include "kit/UrlLoader.h"
+
+namespace kit {
+
+UrlLoader::Client::~Client() = default;
+UrlLoader::~UrlLoader() = default;
+
+}  // namespace kit

@@ -1,0 +1,7 @@
+#include "kit/WebPage.h"
+
+namespace kit {
+
+WebPage::~WebPage() = default;
+
+}  // namespace kit

@@ -1,0 +1,109 @@
+#include "kit/WebView.h"
+
+#include "kit/Platform.h"
+
+#include <utility>
+
+namespace kit {
+
+WebView::WebView(Rect frame) : View(frame), page_(Platform::current().createWebPage(*this)) {}
+
+WebView::~WebView() {
+    // The peer shows the page: it goes first.
+    detachPeers(*this);
+    page_.reset();
+}
+
+void WebView::loadHtmlString(const std::string& html, const std::optional<Url>& baseUrl) {
+    if (page_) page_->loadHtmlString(html, baseUrl);
+}
+
+void WebView::loadRequest(const Url& url) {
+    if (page_) page_->loadRequest(url);
+}
+
+void WebView::goBack() {
+    if (page_ && page_->canGoBack()) page_->goBack();
+}
+
+void WebView::goForward() {
+    if (page_ && page_->canGoForward()) page_->goForward();
+}
+
+void WebView::reload() {
+    if (page_) page_->reload();
+}
+
+void WebView::stopLoading() {
+    if (page_) page_->stopLoading();
+    loading_ = false;
+}
+
+bool WebView::canGoBack() const {
+    return page_ && page_->canGoBack();
+}
+
+bool WebView::canGoForward() const {
+    return page_ && page_->canGoForward();
+}
+
+void WebView::evaluateScript(const std::string& script, std::function<void(std::string)> completion) {
+    if (!page_) return;
+    std::weak_ptr<bool> alive = alive_;
+    page_->evaluateScript(script, [alive, completion = std::move(completion)](std::string result) {
+        if (completion && !alive.expired()) completion(std::move(result));
+    });
+}
+
+void WebView::setScalesPageToFit(bool scales) {
+    scalesPageToFit_ = scales;
+    settingsChanged();
+}
+
+void WebView::setDataDetectorTypes(uint32_t types) {
+    dataDetectorTypes_ = types;
+    settingsChanged();
+}
+
+void WebView::setAllowsInlineMediaPlayback(bool allows) {
+    allowsInlineMediaPlayback_ = allows;
+    settingsChanged();
+}
+
+void WebView::setMediaPlaybackRequiresUserAction(bool required) {
+    mediaPlaybackRequiresUserAction_ = required;
+    settingsChanged();
+}
+
+void WebView::settingsChanged() {
+    if (page_) page_->settingsDidChange();
+}
+
+// The delegate may let go of this view from any of its calls: it lives to the end of each.
+bool WebView::pageShouldStartLoad(const Url& url, WebViewNavigationType type) {
+    auto keep = shared_from_this();
+    auto delegate = delegate_.lock();
+    return !delegate || delegate->webViewShouldStartLoadWithRequestNavigationType(*this, url, type);
+}
+
+void WebView::pageDidStartLoad(const Url& url) {
+    auto keep = shared_from_this();
+    request_ = url;
+    loading_ = true;
+    if (auto delegate = delegate_.lock()) delegate->webViewDidStartLoad(*this);
+}
+
+void WebView::pageDidFinishLoad(const std::optional<Url>& url) {
+    auto keep = shared_from_this();
+    if (url) request_ = url;
+    loading_ = false;
+    if (auto delegate = delegate_.lock()) delegate->webViewDidFinishLoad(*this);
+}
+
+void WebView::pageDidFailLoad(const Error& error) {
+    auto keep = shared_from_this();
+    loading_ = false;
+    if (auto delegate = delegate_.lock()) delegate->webViewDidFailLoadWithError(*this, error);
+}
+
+}  // namespace kit

@@ -1,0 +1,7 @@
+#include "kit/WebViewDelegate.h"
+
+namespace kit {
+
+WebViewDelegate::~WebViewDelegate() = default;
+
+}  // namespace kit

@@ -1,0 +1,63 @@
+#include "kit/qt/QtWebViewPeer.h"
+
+#include "kit/RunLoop.h"
+#include "kit/WebView.h"
+#include "kit/Window.h"
+#include "kit/qt/QtWebPage.h"
+
+#include <QApplication>
+#include <QMouseEvent>
+#include <QWebEngineView>
+
+namespace kit::qt {
+
+QtWebViewPeer::QtWebViewPeer(WebView& view, QWidget* parent)
+    : QtViewPeer(view, parent), webView_(view), engineView_(new QWebEngineView(this)) {
+    if (auto* page = dynamic_cast<QtWebPage*>(view.page())) engineView_->setPage(page);
+    engineView_->setGeometry(rect());
+    showBackground();
+    engineView_->show();
+}
+
+// The page is not the engine widget's: it stays with the web view.
+QtWebViewPeer::~QtWebViewPeer() {
+    engineView_->setPage(nullptr);
+}
+
+void QtWebViewPeer::viewDidChange(Change change) {
+    QtViewPeer::viewDidChange(change);
+    if (change == Change::Frame) engineView_->setGeometry(rect());
+    if (change == Change::BackgroundColor) showBackground();
+}
+
+// A clear web view lets its superview show through the page's own background.
+void QtWebViewPeer::showBackground() {
+    Color c = webView_.backgroundColor();
+    if (auto* page = engineView_->page())
+        page->setBackgroundColor(
+            QColor::fromRgbF(float(c.red), float(c.green), float(c.blue), float(c.alpha)));
+}
+
+QtWebViewPeer* QtWebViewPeer::pageAt(Window& window, QPointF point) {
+    RunLoop::Turn turn;
+    const Event event{EventType::Touches, RunLoop::main().now()};
+    auto hit = window.hitTest({point.x(), point.y()}, &event);
+    auto* peer =
+        hit && dynamic_cast<WebView*>(hit.get()) ? dynamic_cast<QtWebViewPeer*>(hit->peer()) : nullptr;
+    if (peer) {
+        if (auto* page = dynamic_cast<QtWebPage*>(static_cast<WebView*>(hit.get())->page()))
+            page->userDidTouch();
+    }
+    return peer;
+}
+
+void QtWebViewPeer::forwardMouse(QWidget& from, QMouseEvent& event) {
+    // The engine takes input on its render widget, which it makes once the first page shows.
+    QWidget* target = engineView_->focusProxy() ? engineView_->focusProxy() : engineView_;
+    QPointF local = target->mapFrom(&from, event.position());
+    QMouseEvent copy(event.type(), local, target->mapToGlobal(local), event.button(), event.buttons(),
+                     event.modifiers());
+    QApplication::sendEvent(target, &copy);
+}
+
+}  // namespace kit::qt

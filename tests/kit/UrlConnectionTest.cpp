@@ -1,0 +1,284 @@
+#include "kit/UrlCache.h"
+#include "kit/UrlConnection.h"
+#include "kit/UrlConnectionFactory.h"
+#include "kit/UrlError.h"
+#include "tests/support/SimTest.h"
+
+#include <fmt/format.h>
+
+using kit::HttpHeaders;
+using kit::UrlConnection;
+using kit::UrlRequest;
+using kit::UrlResponse;
+using kit::sim::SimAnswer;
+
+namespace {
+
+kit::Url url(std::string_view text) {
+    return *kit::Url::parse(text);
+}
+
+// Writes down every call with the virtual time and turn it came in.
+class Recorder : public kit::UrlConnectionDelegate {
+public:
+    std::vector<std::string> calls;
+    std::string body;
+    std::shared_ptr<const kit::Error> error;
+    std::optional<UrlResponse> response;
+    // Redirect targets not to follow.
+    std::vector<std::string> refuse;
+    std::function<void()> onData;
+
+    std::optional<UrlRequest> connectionWillSendRequestRedirectResponse(
+        UrlConnection&, const UrlRequest& request, const UrlResponse* redirect) override {
+        calls.push_back(fmt::format("send {}{}", request.url().absoluteString(),
+                                    redirect ? fmt::format(" after {}", redirect->statusCode()) : ""));
+        for (const auto& r : refuse)
+            if (r == request.url().absoluteString()) return std::nullopt;
+        return request;
+    }
+    void connectionDidReceiveResponse(UrlConnection&, const UrlResponse& r) override {
+        calls.push_back(fmt::format("response {}", r.statusCode()));
+        response = r;
+    }
+    void connectionDidReceiveData(UrlConnection&, std::string_view data) override {
+        calls.push_back(fmt::format("data {}", data.size()));
+        body += data;
+        if (onData) onData();
+    }
+    void connectionDidFinishLoading(UrlConnection&) override { calls.push_back("finish"); }
+    void connectionDidFailWithError(UrlConnection&, std::shared_ptr<const kit::Error> e) override {
+        calls.push_back(fmt::format("fail {}", e->code()));
+        error = std::move(e);
+    }
+};
+
+using Calls = std::vector<std::string>;
+
+}  // namespace
+
+class UrlConnectionTest : public SimTest {
+protected:
+    kit::sim::SimHttp& network() { return sim().http(); }
+    std::shared_ptr<UrlConnection> open(std::string_view text, bool start = true) {
+        return UrlConnection::create(UrlRequest(url(text)), delegate, start);
+    }
+    std::shared_ptr<Recorder> delegate = std::make_shared<Recorder>();
+};
+
+TEST_F(UrlConnectionTest, ReportsTheAnswerInOrderEachInATurnOfItsOwnAndAtItsVirtualTime) {
+    SimAnswer answer = SimAnswer::ok("", {{"Content-Type", "text/html; charset=utf-8"}});
+    answer.body = {"<html>", "<body>", "</html>"};
+    answer.delay = 2;
+    answer.pieceInterval = 0.5;
+    network().respond("http://ads.test/page", answer);
+    auto connection = open("http://ads.test/page");
+    EXPECT_TRUE(delegate->calls.empty()) << "nothing happens inside create()";
+
+    kit::RunLoop::main().runDue();
+    EXPECT_EQ(delegate->calls, Calls{"send http://ads.test/page"});
+    advance(1.9);
+    EXPECT_EQ(delegate->calls.size(), 1u);
+    advance(0.1);
+    EXPECT_EQ(delegate->calls, (Calls{"send http://ads.test/page", "response 200", "data 6"}));
+    advance(1);
+    EXPECT_EQ(delegate->calls,
+              (Calls{"send http://ads.test/page", "response 200", "data 6", "data 6", "data 7", "finish"}));
+    EXPECT_EQ(delegate->body, "<html><body></html>");
+    EXPECT_EQ(delegate->response->mimeType(), "text/html");
+    EXPECT_FALSE(connection->isLoading());
+}
+
+TEST_F(UrlConnectionTest, StartsLaterOnlyWhenToldAndOnlyOnce) {
+    network().respond("http://ads.test/a", SimAnswer::ok("x"));
+    auto connection = open("http://ads.test/a", false);
+    runUntilIdle();
+    EXPECT_TRUE(delegate->calls.empty());
+    EXPECT_EQ(network().requestCount("http://ads.test/a"), 0u);
+    connection->start();
+    connection->start();
+    runUntilIdle();
+    EXPECT_EQ(network().requestCount("http://ads.test/a"), 1u);
+    EXPECT_EQ(delegate->calls.back(), "finish");
+}
+
+TEST_F(UrlConnectionTest, FollowsARedirectChainAskingBeforeEachHopAndKeepsTheHeaders) {
+    network().respond("http://a.test/1", SimAnswer::redirect("/2", 301));
+    network().respond("http://a.test/2", SimAnswer::redirect("http://b.test/3", 307));
+    network().respond("http://b.test/3", SimAnswer::ok("done"));
+    UrlRequest request(url("http://a.test/1"));
+    request.setValueForHttpHeaderField("probe", "User-Agent");
+    auto connection = UrlConnection::create(request, delegate);
+    runUntilIdle();
+    EXPECT_EQ(delegate->calls, (Calls{"send http://a.test/1", "send http://a.test/2 after 301",
+                                      "send http://b.test/3 after 307", "response 200", "data 4", "finish"}));
+    EXPECT_EQ(connection->currentRequest().url().absoluteString(), "http://b.test/3");
+    EXPECT_EQ(connection->originalRequest().url().absoluteString(), "http://a.test/1");
+    ASSERT_TRUE(network().lastRequest("http://b.test/3"));
+    EXPECT_EQ(network().lastRequest("http://b.test/3")->valueForHttpHeaderField("user-agent"), "probe");
+}
+
+TEST_F(UrlConnectionTest, ARefusedRedirectBecomesTheResponse) {
+    network().respond("http://a.test/1",
+                      SimAnswer::withStatus(302, {{"Location", "http://a.test/2"}}, "moved"));
+    delegate->refuse = {"http://a.test/2"};
+    auto connection = open("http://a.test/1");
+    runUntilIdle();
+    EXPECT_EQ(delegate->calls, (Calls{"send http://a.test/1", "send http://a.test/2 after 302",
+                                      "response 302", "data 5", "finish"}));
+    EXPECT_EQ(network().requestCount("http://a.test/2"), 0u);
+}
+
+TEST_F(UrlConnectionTest, ARedirectToASchemeThatCannotBeLoadedIsAskedAboutThenFails) {
+    network().respond("http://a.test/click", SimAnswer::redirect("itms-apps://store.test/app/1"));
+    auto connection = open("http://a.test/click");
+    runUntilIdle();
+    EXPECT_EQ(delegate->calls,
+              (Calls{"send http://a.test/click", "send itms-apps://store.test/app/1 after 302",
+                     fmt::format("fail {}", kit::UrlError::kUnsupportedUrl)}));
+    EXPECT_EQ(delegate->error->userInfo().find(kit::UrlError::kFailingUrlKey)->string()[0],
+              "itms-apps://store.test/app/1");
+}
+
+TEST_F(UrlConnectionTest, EndlessRedirectsFail) {
+    network().respond("http://a.test/loop", SimAnswer::redirect("http://a.test/loop"));
+    auto connection = open("http://a.test/loop");
+    runUntilIdle();
+    EXPECT_EQ(delegate->calls.back(), fmt::format("fail {}", kit::UrlError::kTooManyRedirects));
+    EXPECT_EQ(network().requestCount("http://a.test/loop"), size_t(UrlConnection::kMaximumRedirects) + 1);
+}
+
+TEST_F(UrlConnectionTest, FailuresCarryTheErrorAndTheUrl) {
+    auto unreachable = open("http://nowhere.test/");
+    runUntilIdle();
+    ASSERT_TRUE(delegate->error);
+    EXPECT_EQ(delegate->error->domain(), kit::UrlError::kDomain);
+    EXPECT_EQ(delegate->error->code(), kit::UrlError::kCannotConnectToHost);
+    EXPECT_EQ(*delegate->error->userInfo().find(kit::UrlError::kFailingUrlKey)->string(),
+              "http://nowhere.test/");
+
+    auto other = std::make_shared<Recorder>();
+    SimAnswer cut = SimAnswer::ok("first half");
+    cut.failure = kit::UrlError::make(kit::UrlError::kNetworkConnectionLost, "");
+    network().respond("http://a.test/cut", cut);
+    auto connection = UrlConnection::create(UrlRequest(url("http://a.test/cut")), other);
+    runUntilIdle();
+    EXPECT_EQ(other->calls, (Calls{"send http://a.test/cut", "response 200", "data 10",
+                                   fmt::format("fail {}", kit::UrlError::kNetworkConnectionLost)}));
+}
+
+TEST_F(UrlConnectionTest, CancelInsideACallbackStopsEverythingAndClosesTheExchange) {
+    SimAnswer answer = SimAnswer::ok("");
+    answer.body = {"a", "b", "c"};
+    network().respond("http://a.test/", answer);
+    std::shared_ptr<UrlConnection> connection = open("http://a.test/");
+    delegate->onData = [&] { connection.reset(); };  // the owner lets go mid-body
+    runUntilIdle();
+    EXPECT_EQ(delegate->calls, (Calls{"send http://a.test/", "response 200", "data 1"}));
+    EXPECT_EQ(network().openExchanges(), 0u);
+
+    auto other = open("http://a.test/");
+    other->cancel();
+    runUntilIdle();
+    EXPECT_EQ(delegate->calls.size(), 3u);
+}
+
+TEST_F(UrlConnectionTest, AConnectionWhoseDelegateIsGoneStopsQuietly) {
+    SimAnswer answer = SimAnswer::ok("body");
+    answer.delay = 1;
+    network().respond("http://a.test/", answer);
+    auto connection = open("http://a.test/");
+    runUntilIdle();
+    delegate.reset();
+    advance(2);
+    EXPECT_FALSE(connection->isLoading());
+    EXPECT_EQ(network().openExchanges(), 0u);
+}
+
+TEST_F(UrlConnectionTest, StoresComplete200AnswersToGetInTheSharedCache) {
+    auto& cache = kit::UrlCache::shared();
+    cache.setMemoryCapacity(100000);
+    network().respond("http://a.test/ok",
+                      SimAnswer::ok("cached", {{"Date", "Mon, 01 Jan 2024 00:00:00 GMT"}}));
+    network().respond("http://a.test/private",
+                      SimAnswer::ok("secret", {{"Cache-Control", "private, No-Store"}}));
+    network().respond("http://a.test/missing", SimAnswer::withStatus(404, {}, "nope"));
+    network().respond("http://a.test/moved", SimAnswer::redirect("http://a.test/ok"));
+    auto keep = {open("http://a.test/ok"), open("http://a.test/private"), open("http://a.test/missing")};
+    runUntilIdle();
+    auto stored = cache.cachedResponseForRequest(UrlRequest(url("http://a.test/ok#part")));
+    ASSERT_TRUE(stored);
+    EXPECT_EQ(stored->data(), "cached");
+    EXPECT_EQ(stored->response().allHeaderFields().value("date"), "Mon, 01 Jan 2024 00:00:00 GMT");
+    EXPECT_FALSE(cache.cachedResponseForRequest(UrlRequest(url("http://a.test/private"))));
+    EXPECT_FALSE(cache.cachedResponseForRequest(UrlRequest(url("http://a.test/missing"))));
+
+    // A redirected load stores the answer under the URL that gave it.
+    cache.removeAllCachedResponses();
+    auto redirected = open("http://a.test/moved");
+    runUntilIdle();
+    EXPECT_FALSE(cache.cachedResponseForRequest(UrlRequest(url("http://a.test/moved"))));
+    EXPECT_TRUE(cache.cachedResponseForRequest(UrlRequest(url("http://a.test/ok"))));
+}
+
+TEST_F(UrlConnectionTest, TheCacheDropsTheLeastRecentlyUsedAndNeverExceedsItsCapacity) {
+    auto& cache = kit::UrlCache::shared();
+    EXPECT_EQ(cache.memoryCapacity(), 0u);
+    auto entry = [](std::string body) {
+        return std::make_shared<kit::CachedUrlResponse>(UrlResponse(url("http://c.test/"), 200, {}),
+                                                        std::move(body));
+    };
+    auto request = [](std::string_view path) {
+        return UrlRequest(url(fmt::format("http://c.test/{}", path)));
+    };
+    cache.storeCachedResponseForRequest(entry("x"), request("zero"));
+    EXPECT_FALSE(cache.cachedResponseForRequest(request("zero"))) << "no room until the cache is given some";
+
+    size_t each = entry(std::string(100, 'a'))->cost();
+    cache.setMemoryCapacity(3 * each);
+    for (const char* path : {"a", "b", "c"})
+        cache.storeCachedResponseForRequest(entry(std::string(100, 'a')), request(path));
+    EXPECT_EQ(cache.currentMemoryUsage(), 3 * each);
+    EXPECT_TRUE(cache.cachedResponseForRequest(request("a")));  // a is now the most recent
+    cache.storeCachedResponseForRequest(entry(std::string(100, 'd')), request("d"));
+    EXPECT_FALSE(cache.cachedResponseForRequest(request("b")));
+    EXPECT_TRUE(cache.cachedResponseForRequest(request("a")));
+    EXPECT_TRUE(cache.cachedResponseForRequest(request("c")));
+    EXPECT_LE(cache.currentMemoryUsage(), cache.memoryCapacity());
+
+    cache.storeCachedResponseForRequest(entry(std::string(4 * each, 'e')), request("e"));
+    EXPECT_FALSE(cache.cachedResponseForRequest(request("e")));
+    EXPECT_TRUE(cache.cachedResponseForRequest(request("a")))
+        << "a response too big for the cache evicts nothing";
+
+    cache.setMemoryCapacity(each);
+    EXPECT_LE(cache.currentMemoryUsage(), each);
+    cache.removeCachedResponseForRequest(request("a"));
+    cache.removeCachedResponseForRequest(request("c"));
+    cache.removeCachedResponseForRequest(request("d"));
+    EXPECT_EQ(cache.currentMemoryUsage(), 0u);
+}
+
+TEST_F(UrlConnectionTest, HeaderNamesIgnoreCaseAndRepeatedFieldsFold) {
+    HttpHeaders headers{{"Set-Cookie", "a=1"}, {"content-type", "text/plain"}};
+    headers.add("set-cookie", "b=2");
+    EXPECT_EQ(headers.value("SET-COOKIE"), "a=1, b=2");
+    headers.set("Content-Type", "text/html");
+    EXPECT_EQ(headers.size(), 2u);
+    EXPECT_EQ(headers.fields()[1].first, "content-type") << "the first spelling stays";
+    headers.remove("CONTENT-TYPE");
+    EXPECT_FALSE(headers.contains("content-type"));
+    EXPECT_EQ(headers, (HttpHeaders{{"set-cookie", "a=1, b=2"}}));
+    EXPECT_NE(headers, (HttpHeaders{{"set-cookie", "a=1"}}));
+}
+
+TEST_F(UrlConnectionTest, ThePlainFactoryOpensConnectionsStartedOrNot) {
+    network().respond("http://a.test/", SimAnswer::ok("x"));
+    auto factory = kit::UrlConnectionFactory::plain();
+    auto later = factory->newConnectionWithRequestDelegateStartImmediately(UrlRequest(url("http://a.test/")),
+                                                                           delegate, false);
+    auto now = factory->connectionWithRequestDelegate(UrlRequest(url("http://a.test/")), delegate);
+    runUntilIdle();
+    EXPECT_EQ(network().requestCount("http://a.test/"), 1u);
+    EXPECT_FALSE(later->isLoading());
+}
