@@ -54,6 +54,7 @@ public:
     const std::filesystem::path& folder() const { return folder_; }
     // Scripted HTTP answers and the log of requests sent.
     SimHttp& http() { return http_; }
+    Bundle& bundle() { return bundle_; }
     SimAudioSession& simAudioSession() { return audio_; }
     SimNetwork& network() { return network_; }
     // The wall clock when the platform starts: 2024-01-01 00:00:00 UTC.
