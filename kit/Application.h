@@ -95,6 +95,8 @@ public:
 
     // Background tasks: work that asks for time to finish. When that time runs out, the port calls
     // expireBackgroundTasks() and each open task's expiry handler runs once.
+    // Whether this system has background tasks at all; without them, work simply runs on.
+    virtual bool offersBackgroundTasks() const { return true; }
     BackgroundTaskId beginBackgroundTask(std::function<void()> expirationHandler);
     void endBackgroundTask(BackgroundTaskId task);
     size_t openBackgroundTaskCount() const { return backgroundTasks_.size(); }

@@ -19,9 +19,13 @@ public:
     void setOpenableSchemes(std::set<std::string> schemes);
     const std::vector<std::string>& openedUrls() const { return opened_; }
 
+    bool offersBackgroundTasks() const override { return offersBackgroundTasks_; }
+    void setOffersBackgroundTasks(bool offers) { offersBackgroundTasks_ = offers; }
+
 private:
     std::set<std::string> openable_{"http", "https", "mailto", "tel", "sms"};
     std::vector<std::string> opened_;
+    bool offersBackgroundTasks_ = true;
 };
 
 }  // namespace kit::sim
