@@ -44,12 +44,17 @@ fuzz-build: setup
 FUZZ_FLAGS = -max_total_time=$(FUZZ_SECONDS) -max_len=4096 -timeout=10 -print_final_stats=1
 fuzz: fuzz-build
 	mkdir -p $(FUZZ_BUILD)/corpus/json $(FUZZ_BUILD)/corpus/encoding $(FUZZ_BUILD)/artifacts
+	mkdir -p $(FUZZ_BUILD)/corpus/query $(FUZZ_BUILD)/corpus/store
 	$(FUZZ_BUILD)/fuzz/zebjson_fuzzer $(FUZZ_FLAGS) -dict=fuzz/json.dict \
 	    -artifact_prefix=$(FUZZ_BUILD)/artifacts/json- \
 	    $(FUZZ_BUILD)/corpus/json $(TESTDATA)/JSONTestSuite/test_parsing tests/ads/ThirdParty/data
 	$(FUZZ_BUILD)/fuzz/kblstringencoding_fuzzer $(FUZZ_FLAGS) \
 	    -artifact_prefix=$(FUZZ_BUILD)/artifacts/encoding- \
 	    $(FUZZ_BUILD)/corpus/encoding tests/ads/ThirdParty/data
+	$(FUZZ_BUILD)/fuzz/querystring_fuzzer $(FUZZ_FLAGS) -artifact_prefix=$(FUZZ_BUILD)/artifacts/query- \
+	    $(FUZZ_BUILD)/corpus/query
+	$(FUZZ_BUILD)/fuzz/persistedstore_fuzzer $(FUZZ_FLAGS) -artifact_prefix=$(FUZZ_BUILD)/artifacts/store- \
+	    $(FUZZ_BUILD)/corpus/store
 
 # Codec throughput against other libraries (MB/s and ratios); the soundboard's touch-to-sound latency.
 bench: build

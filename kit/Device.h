@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace kit {
 
@@ -23,6 +24,10 @@ public:
     // The hardware machine name (what uname calls the machine).
     const std::string& machine() const { return machine_; }
     const std::string& name() const { return name_; }
+    // The user's languages, most preferred first, as language tags ("en-US", "de").
+    const std::vector<std::string>& preferredLanguages() const { return preferredLanguages_; }
+    // Whether the application runs with the machine's full privileges (on Linux: as root).
+    bool isSuperuser() const { return superuser_; }
 
     void setUserInterfaceIdiom(std::optional<UserInterfaceIdiom> idiom) { idiom_ = idiom; }
     void setModel(std::string v) { model_ = std::move(v); }
@@ -31,6 +36,13 @@ public:
     void setUniqueIdentifier(std::string v) { uniqueIdentifier_ = std::move(v); }
     void setMachine(std::string v) { machine_ = std::move(v); }
     void setName(std::string v) { name_ = std::move(v); }
+    // The languages that the locale variables name, as language tags: LANGUAGE's list ("de_DE:en")
+    // first, else the first set of LC_ALL, LC_MESSAGES and LANG ("pt_BR.UTF-8" gives "pt-BR").
+    // The untranslated "C" and "POSIX" locales count as English.
+    static std::vector<std::string> languagesFromLocaleVariables(const char* language, const char* lcAll,
+                                                                 const char* lcMessages, const char* lang);
+    void setPreferredLanguages(std::vector<std::string> v) { preferredLanguages_ = std::move(v); }
+    void setSuperuser(bool v) { superuser_ = v; }
 
 private:
     std::optional<UserInterfaceIdiom> idiom_ = UserInterfaceIdiom::Phone;
@@ -40,6 +52,8 @@ private:
     std::string uniqueIdentifier_;
     std::string machine_;
     std::string name_;
+    std::vector<std::string> preferredLanguages_{"en"};
+    bool superuser_ = false;
 };
 
 }  // namespace kit

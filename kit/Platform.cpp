@@ -3,6 +3,7 @@
 #include "kit/RunLoop.h"
 #include "kit/WebPage.h"
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 
@@ -14,6 +15,11 @@ Platform* gPlatform = nullptr;
 }
 
 Platform::~Platform() = default;
+
+double Platform::secondsSince1970() const {
+    using namespace std::chrono;
+    return duration<double>(system_clock::now().time_since_epoch()).count();
+}
 
 void Platform::shutdown() { runLoop().clear(); }
 

@@ -1,10 +1,14 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 namespace kit {
 
 class Application;
+class AudioSession;
+class Bundle;
+class Reachability;
 class Device;
 class FileManager;
 class NotificationCenter;
@@ -43,6 +47,13 @@ public:
     virtual ViewPeerFactory* viewPeerFactory() { return nullptr; }
     // The engine behind a new web view; none on a port without one (the view then loads nothing).
     virtual std::unique_ptr<WebPage> createWebPage(WebView& view);
+
+    // Request context: the bundle's information, the audio route, reachability of a host and the
+    // wall clock (seconds since 1970; virtual in the simulated port).
+    virtual Bundle& mainBundle() = 0;
+    virtual AudioSession& audioSession() = 0;
+    virtual std::shared_ptr<Reachability> createReachability(const std::string& hostName) = 0;
+    virtual double secondsSince1970() const;
 
 protected:
     Platform() = default;

@@ -1,5 +1,6 @@
 #include "kit/qt/QtPlatform.h"
 
+#include "kit/qt/NetworkMonitorReachability.h"
 #include "kit/qt/QtRunLoop.h"
 #include "kit/qt/QtWebPage.h"
 #include "kit/qt/SystemDevice.h"
@@ -8,6 +9,10 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <QStandardPaths>
+
+#include <fmt/format.h>
+
+#include <random>
 
 namespace kit::qt {
 
@@ -37,6 +42,25 @@ QtPlatform::QtPlatform(UserInterfaceIdiom idiom)
     bool tablet = idiom == UserInterfaceIdiom::Pad;
     screen_.setBounds(tablet ? Rect{0, 0, 1024, 768} : Rect{0, 0, 480, 320});
     if (QScreen* display = QGuiApplication::primaryScreen()) screen_.setScale(display->devicePixelRatio());
+
+    // The information map is written beside the resources when the application is built.
+    bundle_.loadInfoDictionary(resources / "Info.plist");
+    // Without a machine identifier, one made up once and kept in the settings stands in for it.
+    if (device_.uniqueIdentifier().empty()) {
+        static constexpr const char* kKey = "QuibloDeviceIdentifier";
+        std::optional<std::string> kept = userDefaults_->string(kKey);
+        if (!kept || kept->empty()) {
+            std::random_device random;
+            kept = fmt::format("{:08x}{:08x}{:08x}{:08x}", random(), random(), random(), random());
+            userDefaults_->set(kKey, *kept);
+            userDefaults_->synchronize();
+        }
+        device_.setUniqueIdentifier(*kept);
+    }
+}
+
+std::shared_ptr<Reachability> QtPlatform::createReachability(const std::string& hostName) {
+    return std::make_shared<NetworkMonitorReachability>(hostName);
 }
 
 QtPlatform::~QtPlatform() = default;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kit/Bundle.h"
 #include "kit/Device.h"
 #include "kit/FileManager.h"
 #include "kit/NotificationCenter.h"
@@ -7,6 +8,7 @@
 #include "kit/RunLoop.h"
 #include "kit/Screen.h"
 #include "kit/UserDefaults.h"
+#include "kit/qt/PulseAudioSession.h"
 #include "kit/qt/QtApplication.h"
 #include "kit/qt/QtViewPeerFactory.h"
 #include "kit/qt/SdlSoundService.h"
@@ -35,6 +37,9 @@ public:
     ViewPeerFactory* viewPeerFactory() override { return &peers_; }
     // A page on the real web engine (QtWebPage).
     std::unique_ptr<WebPage> createWebPage(WebView& view) override;
+    Bundle& mainBundle() override { return bundle_; }
+    AudioSession& audioSession() override { return audio_; }
+    std::shared_ptr<Reachability> createReachability(const std::string& hostName) override;
 
 protected:
     void shutdown() override;
@@ -49,6 +54,8 @@ private:
     std::unique_ptr<SdlSoundService> sound_;
     QtViewPeerFactory peers_;
     std::shared_ptr<QtApplication> application_;
+    Bundle bundle_;
+    PulseAudioSession audio_;
 };
 
 }  // namespace kit::qt

@@ -1,6 +1,9 @@
 #include "kit/qt/SystemDevice.h"
 
 #include <sys/utsname.h>
+#include <unistd.h>
+
+#include <cstdlib>
 
 #include <fstream>
 #include <string>
@@ -35,6 +38,9 @@ void SystemDevice::fill(Device& device, UserInterfaceIdiom idiom) {
     std::string product = firstLine("/sys/devices/virtual/dmi/id/product_name");
     device.setModel(product.empty() ? "Linux" : product);
     device.setUniqueIdentifier(machineId());
+    device.setPreferredLanguages(Device::languagesFromLocaleVariables(
+        std::getenv("LANGUAGE"), std::getenv("LC_ALL"), std::getenv("LC_MESSAGES"), std::getenv("LANG")));
+    device.setSuperuser(geteuid() == 0);
 }
 
 }  // namespace kit::qt

@@ -52,6 +52,10 @@ void SimPlatform::shutdown() {
 
 std::unique_ptr<WebPage> SimPlatform::createWebPage(WebView& view) { return std::make_unique<SimWebPage>(view); }
 
+double SimPlatform::secondsSince1970() const {
+    return kStartDate + (clock_->now() - SimRunLoop::kStartTime);
+}
+
 SimPlatform& SimPlatform::install() {
     auto platform = std::make_unique<SimPlatform>();
     SimPlatform& ref = *platform;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kit/Bundle.h"
 #include "kit/Device.h"
 #include "kit/FileManager.h"
 #include "kit/NotificationCenter.h"
@@ -8,6 +9,8 @@
 #include "kit/Screen.h"
 #include "kit/UserDefaults.h"
 #include "kit/sim/SimApplication.h"
+#include "kit/sim/SimAudioSession.h"
+#include "kit/sim/SimReachability.h"
 #include "kit/sim/SimRunLoop.h"
 #include "kit/sim/SimSoundService.h"
 
@@ -37,11 +40,23 @@ public:
     SoundService& soundService() override { return sound_; }
     // A scripted page (SimWebPage).
     std::unique_ptr<WebPage> createWebPage(WebView& view) override;
+    Bundle& mainBundle() override { return bundle_; }
+    AudioSession& audioSession() override { return audio_; }
+    std::shared_ptr<Reachability> createReachability(const std::string& hostName) override {
+        return network_.create(hostName);
+    }
+    // Virtual: a fixed moment when the platform starts, moving with the run loop's clock.
+    double secondsSince1970() const override;
 
     SimRunLoop& clock() { return *clock_; }
     SimApplication& simApplication() { return *application_; }
     SimSoundService& sounds() { return sound_; }
     const std::filesystem::path& folder() const { return folder_; }
+    Bundle& bundle() { return bundle_; }
+    SimAudioSession& simAudioSession() { return audio_; }
+    SimNetwork& network() { return network_; }
+    // The wall clock when the platform starts: 2024-01-01 00:00:00 UTC.
+    static constexpr double kStartDate = 1704067200.0;
 
 protected:
     void shutdown() override;
@@ -58,6 +73,9 @@ private:
     UserDefaults userDefaults_;
     SimSoundService sound_;
     std::shared_ptr<SimApplication> application_;
+    Bundle bundle_;
+    SimAudioSession audio_;
+    SimNetwork network_;
 };
 
 }  // namespace kit::sim

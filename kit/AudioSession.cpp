@@ -1,0 +1,13 @@
+#include "kit/AudioSession.h"
+
+#include "kit/Platform.h"
+
+namespace kit {
+
+AudioSession::~AudioSession() = default;
+
+AudioSession& AudioSession::shared() {
+    return Platform::current().audioSession();
+}
+
+}  // namespace kit

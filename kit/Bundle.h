@@ -1,0 +1,29 @@
+#pragma once
+
+#include "kit/Value.h"
+
+#include <filesystem>
+#include <string_view>
+
+namespace kit {
+
+// The application's bundle: its information map ("CFBundleIdentifier", "CFBundleVersion", the
+// platform and SDK it was built for). The real port reads the map from "Info.plist" among the
+// resources, written at build time; tests set it.
+class Bundle {
+public:
+    static Bundle& main();
+
+    const Value::Map& infoDictionary() const { return info_; }
+    const Value* objectForInfoDictionaryKey(std::string_view key) const { return info_.find(key); }
+    void setInfoDictionary(Value::Map info) { info_ = std::move(info); }
+
+    // Reads the map from a property-list file; a missing or unreadable file, or one that holds no
+    // map, leaves the map empty.
+    void loadInfoDictionary(const std::filesystem::path& file);
+
+private:
+    Value::Map info_;
+};
+
+}  // namespace kit
