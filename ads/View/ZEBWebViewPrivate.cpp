@@ -1,0 +1,3 @@
+#include "ads/View/ZEBWebViewPrivate.h"
+
+ZEBWebViewPrivate::~ZEBWebViewPrivate() = default;
