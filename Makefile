@@ -56,10 +56,12 @@ fuzz: fuzz-build
 	$(FUZZ_BUILD)/fuzz/persistedstore_fuzzer $(FUZZ_FLAGS) -artifact_prefix=$(FUZZ_BUILD)/artifacts/store- \
 	    $(FUZZ_BUILD)/corpus/store
 
-# Codec throughput against other libraries (MB/s and ratios); the soundboard's touch-to-sound latency.
+# Codec throughput against other libraries (MB/s and ratios); the soundboard's touch-to-sound latency;
+# the web view's bridge latency, cold and warm.
 bench: build
 	$(BUILD)/bench/codec_bench
 	$(BUILD)/bench/touch_latency_probe
+	$(BUILD)/bench/bridge_latency_probe
 
 format:
 	git ls-files '*.h' '*.cpp' | xargs clang-format -i

@@ -6,9 +6,7 @@
 #include "ads/Utility/ZEBIdentifierUtilities.h"
 #include "ads/Utility/ZEBMacros.h"
 #include "kit/RunLoop.h"
-#include "kit/qt/QtPlatform.h"
-
-#include <QApplication>
+#include "tests/integration/support/QtTestApplication.h"
 
 #include <gtest/gtest.h>
 #include <sys/utsname.h>
@@ -18,22 +16,13 @@
 
 using kit::Value;
 
-class RequestContextQtTest : public ::testing::Test {
+class RequestContextQtTest : public qttest::QtPlatformTest {
 protected:
-    static void SetUpTestSuite() {
-        static int argc = 1;
-        static char name[] = "integration_tests";
-        static char* argv[] = {name, nullptr};
-        if (!QApplication::instance()) new QApplication(argc, argv);
-    }
-    void SetUp() override {
-        kit::Platform::install(std::make_unique<kit::qt::QtPlatform>(kit::UserInterfaceIdiom::Phone));
-    }
     void TearDown() override {
         ZEBStatistics::releaseSharedStatistics();
         ZEBNetworkChecker::reset();
         ZEBIdentifierUtilities::reset();
-        kit::Platform::uninstall();
+        QtPlatformTest::TearDown();
     }
 };
 

@@ -5,6 +5,7 @@
 #include "kit/RunLoop.h"
 #include "kit/Window.h"
 #include "kit/qt/QtPlatform.h"
+#include "tests/integration/support/QtTestApplication.h"
 
 #include <QApplication>
 #include <QColor>
@@ -68,15 +69,7 @@ std::vector<int16_t> playSession(size_t index, std::vector<double> times, double
 
 }  // namespace
 
-class SoundboardQtTest : public ::testing::Test {
-protected:
-    static void SetUpTestSuite() {
-        static int argc = 1;
-        static char name[] = "integration_tests";
-        static char* argv[] = {name, nullptr};
-        if (!QApplication::instance()) new QApplication(argc, argv);
-    }
-};
+class SoundboardQtTest : public qttest::QtApplicationTest {};
 
 TEST_F(SoundboardQtTest, ScreenshotShowsSixteenButtonsAboveAnEmptyBannerSlot) {
     fs::path shot = scratch("screen.png");

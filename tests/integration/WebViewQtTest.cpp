@@ -50,16 +50,16 @@ public:
 
 }  // namespace
 
-class WebViewQtTest : public webtest::QtWebTest {
+class WebViewQtTest : public qttest::QtPlatformTest {
 protected:
     void SetUp() override {
-        QtWebTest::SetUp();
+        QtPlatformTest::SetUp();
         delegate = std::make_shared<RecordingDelegate>();
     }
     void TearDown() override {
         view.reset();
         window.reset();
-        QtWebTest::TearDown();
+        QtPlatformTest::TearDown();
     }
     // A web view filling the lower part of a window on screen.
     void showInWindow() {

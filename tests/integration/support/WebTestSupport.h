@@ -1,39 +1,22 @@
 #pragma once
 
-// What the web view's integration tests share: the Qt application with the engine prepared, a
-// loopback HTTP server, and running the real run loop until something happened.
+// What the web view's integration tests share: a loopback HTTP server, and running the real run
+// loop until something happened.
 #include "kit/RunLoop.h"
 #include "kit/Window.h"
-#include "kit/qt/QtPlatform.h"
-#include "kit/qt/QtWebPage.h"
+#include "tests/integration/support/QtTestApplication.h"
 
 #include <QApplication>
 #include <QMouseEvent>
 #include <QWidget>
 
-#include <gtest/gtest.h>
 #include <httplib.h>
 
-#include <cstdlib>
 #include <functional>
-#include <memory>
 #include <string>
 #include <thread>
 
 namespace webtest {
-
-// The engine must be prepared before any QApplication exists, whichever test comes first.
-inline const bool kEnginePrepared = [] {
-    kit::qt::QtWebPage::prepareEngine();
-    return true;
-}();
-
-inline void ensureApplication() {
-    static int argc = 1;
-    static char name[] = "integration_tests";
-    static char* argv[] = {name, nullptr};
-    if (!QApplication::instance()) new QApplication(argc, argv);
-}
 
 // Runs the real run loop until `done` holds; false when `limit` seconds pass first (a guard, not
 // a measurement).
@@ -89,17 +72,6 @@ private:
     httplib::Server server_;
     int port_ = 0;
     std::thread thread_;
-};
-
-// A Qt platform installed for one test, on the application made once.
-class QtWebTest : public ::testing::Test {
-protected:
-    static void SetUpTestSuite() { ensureApplication(); }
-    void SetUp() override {
-        setenv("SDL_AUDIODRIVER", "dummy", 0);
-        kit::Platform::install(std::make_unique<kit::qt::QtPlatform>(kit::UserInterfaceIdiom::Phone));
-    }
-    void TearDown() override { kit::Platform::uninstall(); }
 };
 
 }  // namespace webtest
