@@ -5,10 +5,7 @@
 #include "ads/Statistics/ZEBStatistics.h"
 #include "ads/Utility/ZEBIdentifierUtilities.h"
 #include "ads/Utility/ZEBMacros.h"
-#include "kit/RunLoop.h"
-#include "kit/qt/QtPlatform.h"
-
-#include <QApplication>
+#include "tests/integration/support/WebTestSupport.h"
 
 #include <gtest/gtest.h>
 #include <sys/utsname.h>
@@ -18,39 +15,21 @@
 
 using kit::Value;
 
-class RequestContextQtTest : public ::testing::Test {
+class RequestContextQtTest : public webtest::QtWebTest {
 protected:
-    static void SetUpTestSuite() {
-        static int argc = 1;
-        static char name[] = "integration_tests";
-        static char* argv[] = {name, nullptr};
-        if (!QApplication::instance()) new QApplication(argc, argv);
-    }
-    void SetUp() override {
-        kit::Platform::install(std::make_unique<kit::qt::QtPlatform>(kit::UserInterfaceIdiom::Phone));
-    }
     void TearDown() override {
         ZEBStatistics::releaseSharedStatistics();
         ZEBNetworkChecker::reset();
         ZEBIdentifierUtilities::reset();
-        kit::Platform::uninstall();
+        webtest::QtWebTest::TearDown();
     }
 };
 
 TEST_F(RequestContextQtTest, ParametersOfARealRequestOnThisMachine) {
     // The checker starts watching on first use; give the system a moment to report on the route.
     ZEBNetworkChecker& checker = ZEBNetworkChecker::sharedChecker();
-    kit::RunLoop::CallId giveUp = kit::RunLoop::main().postAfter(5, [] { kit::RunLoop::main().quit(1); });
-    std::function<void()> poll = [&] {
-        if (checker.networkType() != ZEBNetworkChecker::kUnknown) {
-            kit::RunLoop::main().quit(0);
-            return;
-        }
-        kit::RunLoop::main().postAfter(0.05, poll);
-    };
-    kit::RunLoop::main().post(poll);
-    EXPECT_EQ(kit::RunLoop::main().run(), 0) << "no reachability report for the ad server's host";
-    kit::RunLoop::main().cancel(giveUp);
+    EXPECT_TRUE(webtest::runUntil([&] { return checker.networkType() != ZEBNetworkChecker::kUnknown; }, 5))
+        << "no reachability report for the ad server's host";
 
     auto request = std::static_pointer_cast<ZEBRequestPrivate>(ZEBRequest::request());
     request->setLocationWithLatitudeLongitudeAccuracy(52.52f, 13.405f, 20);
@@ -64,7 +43,8 @@ TEST_F(RequestContextQtTest, ParametersOfARealRequestOnThisMachine) {
     };
     std::string isu = text("isu");
     EXPECT_EQ(isu.size(), 32u);
-    for (char c : isu) EXPECT_TRUE(std::isdigit(static_cast<unsigned char>(c)) || (c >= 'A' && c <= 'F')) << isu;
+    for (char c : isu)
+        EXPECT_TRUE(std::isdigit(static_cast<unsigned char>(c)) || (c >= 'A' && c <= 'F')) << isu;
 
     struct utsname names {};
     ASSERT_EQ(uname(&names), 0);
@@ -73,7 +53,8 @@ TEST_F(RequestContextQtTest, ParametersOfARealRequestOnThisMachine) {
     std::string hl = text("hl");
     EXPECT_FALSE(hl.empty());
     for (char c : hl) EXPECT_FALSE(std::isupper(static_cast<unsigned char>(c))) << hl;
-    EXPECT_TRUE(text("u_audio") == "1" || text("u_audio") == "2" || text("u_audio") == "3" || text("u_audio") == "5");
+    EXPECT_TRUE(text("u_audio") == "1" || text("u_audio") == "2" || text("u_audio") == "3" ||
+                text("u_audio") == "5");
     EXPECT_EQ(text("u_w"), "480");
     EXPECT_EQ(text("u_h"), "320");
     EXPECT_EQ(text("u_so"), "l");
