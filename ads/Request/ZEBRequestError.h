@@ -31,6 +31,4 @@ public:
     static std::string localizedStringForErrorCode(int code);
     static std::shared_ptr<ZEBRequestError> errorWithCode(int code, const ZEBRequestPrivate* request,
                                                           int httpStatusCode = 0);
-    // The standard reason phrase of an HTTP status ("Not Found"), or its class for codes without one.
-    static std::string reasonPhraseForStatusCode(int status);
 };

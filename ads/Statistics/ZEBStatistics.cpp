@@ -1,5 +1,6 @@
 #include "ads/Statistics/ZEBStatistics.h"
 
+#include "ads/Notification/ZEBNotification.h"
 #include "ads/Request/ZEBRequestParameters.h"
 #include "ads/Signals/ZEBSignalsCollector.h"
 #include "ads/Utility/ZEBDeployment.h"
@@ -29,12 +30,6 @@ constexpr const char* kClickDate = "date";
 
 double now() {
     return kit::Platform::current().secondsSince1970();
-}
-
-// The creative's command URLs are not clicks.
-bool isBridgeCommand(const kit::Url& url) {
-    std::string scheme = url.scheme();
-    return scheme == "vmsg" || scheme == "pelko";
 }
 
 bool endsWith(std::string_view text, std::string_view suffix) {
@@ -169,7 +164,8 @@ bool ZEBStatistics::isTimingClick() const {
 }
 
 kit::Url ZEBStatistics::urlForClick(const kit::Url& url) {
-    if (isBridgeCommand(url) || url.absoluteString() == "about:blank") return url;
+    // The creative's command URLs are not clicks.
+    if (ZEBNotification::isNotificationURL(url) || url.absoluteString() == "about:blank") return url;
     incrementClickCount();
     startTimingNamed(kZEBParameterPriorClickLatency);
     startTimingNamed(kZEBParameterPriorClickRedirectLatency);

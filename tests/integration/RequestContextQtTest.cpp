@@ -5,8 +5,7 @@
 #include "ads/Statistics/ZEBStatistics.h"
 #include "ads/Utility/ZEBIdentifierUtilities.h"
 #include "ads/Utility/ZEBMacros.h"
-#include "kit/RunLoop.h"
-#include "tests/integration/support/QtTestApplication.h"
+#include "tests/integration/support/WebTestSupport.h"
 
 #include <gtest/gtest.h>
 #include <sys/utsname.h>
@@ -29,17 +28,8 @@ protected:
 TEST_F(RequestContextQtTest, ParametersOfARealRequestOnThisMachine) {
     // The checker starts watching on first use; give the system a moment to report on the route.
     ZEBNetworkChecker& checker = ZEBNetworkChecker::sharedChecker();
-    kit::RunLoop::CallId giveUp = kit::RunLoop::main().postAfter(5, [] { kit::RunLoop::main().quit(1); });
-    std::function<void()> poll = [&] {
-        if (checker.networkType() != ZEBNetworkChecker::kUnknown) {
-            kit::RunLoop::main().quit(0);
-            return;
-        }
-        kit::RunLoop::main().postAfter(0.05, poll);
-    };
-    kit::RunLoop::main().post(poll);
-    EXPECT_EQ(kit::RunLoop::main().run(), 0) << "no reachability report for the ad server's host";
-    kit::RunLoop::main().cancel(giveUp);
+    EXPECT_TRUE(webtest::runUntil([&] { return checker.networkType() != ZEBNetworkChecker::kUnknown; }, 5))
+        << "no reachability report for the ad server's host";
 
     auto request = std::static_pointer_cast<ZEBRequestPrivate>(ZEBRequest::request());
     request->setLocationWithLatitudeLongitudeAccuracy(52.52f, 13.405f, 20);
@@ -53,7 +43,8 @@ TEST_F(RequestContextQtTest, ParametersOfARealRequestOnThisMachine) {
     };
     std::string isu = text("isu");
     EXPECT_EQ(isu.size(), 32u);
-    for (char c : isu) EXPECT_TRUE(std::isdigit(static_cast<unsigned char>(c)) || (c >= 'A' && c <= 'F')) << isu;
+    for (char c : isu)
+        EXPECT_TRUE(std::isdigit(static_cast<unsigned char>(c)) || (c >= 'A' && c <= 'F')) << isu;
 
     struct utsname names {};
     ASSERT_EQ(uname(&names), 0);
@@ -62,7 +53,8 @@ TEST_F(RequestContextQtTest, ParametersOfARealRequestOnThisMachine) {
     std::string hl = text("hl");
     EXPECT_FALSE(hl.empty());
     for (char c : hl) EXPECT_FALSE(std::isupper(static_cast<unsigned char>(c))) << hl;
-    EXPECT_TRUE(text("u_audio") == "1" || text("u_audio") == "2" || text("u_audio") == "3" || text("u_audio") == "5");
+    EXPECT_TRUE(text("u_audio") == "1" || text("u_audio") == "2" || text("u_audio") == "3" ||
+                text("u_audio") == "5");
     EXPECT_EQ(text("u_w"), "480");
     EXPECT_EQ(text("u_h"), "320");
     EXPECT_EQ(text("u_so"), "l");

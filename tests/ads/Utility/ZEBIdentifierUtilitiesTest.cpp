@@ -72,7 +72,8 @@ TEST_F(ZEBIdentifierUtilitiesTest, BookStoreCapabilitiesFollowWhatOpens) {
         {{"itms-books", "kindle"}, 3}, {{"kindle"}, 2}, {{"itms-books"}, 1}, {{"http"}, std::nullopt}};
     for (const auto& [schemes, expected] : cases) {
         sim().simApplication().setOpenableSchemes(schemes);
-        const Value* capability = ids().parameters().find("cap_bs");
+        Value::Map p = ids().parameters();
+        const Value* capability = p.find("cap_bs");
         if (expected) {
             ASSERT_TRUE(capability);
             EXPECT_EQ(*capability, Value(*expected));
