@@ -1,0 +1,282 @@
+// The cached download and click tracking on the Qt port, against a real HTTP server on loopback.
+#include "ads/Network/ZEBCachedFile.h"
+#include "ads/Network/ZEBClickTracker.h"
+#include "ads/Statistics/ZEBStatistics.h"
+#include "kit/FileManager.h"
+#include "kit/RunLoop.h"
+#include "kit/UrlError.h"
+#include "kit/qt/QtPlatform.h"
+#include "tests/support/ReadOnlyFolder.h"
+
+#include <QApplication>
+
+#include <gtest/gtest.h>
+#include <httplib.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <mutex>
+#include <thread>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+kit::Url url(const std::string& text) {
+    return *kit::Url::parse(text);
+}
+
+// A server on a free loopback port, in a thread of its own, counting what reaches it.
+class LoopbackServer {
+public:
+    LoopbackServer() {
+        server_.set_logger([this](const httplib::Request& request, const httplib::Response&) {
+            std::lock_guard<std::mutex> lock(mutex_);
+            ++hits_;
+            lastIfModifiedSince_ = request.get_header_value("If-Modified-Since");
+        });
+        // Bound and listening from here on: connections wait in the backlog until the thread accepts.
+        port_ = server_.bind_to_any_port("127.0.0.1");
+        thread_ = std::thread([this] { server_.listen_after_bind(); });
+    }
+    ~LoopbackServer() { stop(); }
+    void stop() {
+        server_.stop();
+        if (thread_.joinable()) thread_.join();
+    }
+
+    httplib::Server& server() { return server_; }
+    std::string url(const std::string& path) const {
+        return "http://127.0.0.1:" + std::to_string(port_) + path;
+    }
+    int hits() {
+        std::lock_guard<std::mutex> lock(mutex_);
+        return hits_;
+    }
+    std::string lastIfModifiedSince() {
+        std::lock_guard<std::mutex> lock(mutex_);
+        return lastIfModifiedSince_;
+    }
+
+private:
+    httplib::Server server_;
+    int port_ = 0;
+    std::thread thread_;
+    std::mutex mutex_;
+    int hits_ = 0;
+    std::string lastIfModifiedSince_;
+};
+
+class Listener : public ZEBCachedFileDelegate, public ZEBClickTrackerDelegate {
+public:
+    int ends = 0;
+    int fails = 0;
+    std::shared_ptr<const kit::Error> error;
+    std::optional<std::string> trackedAt;
+
+    void cachedFileDownloadDidEnd(ZEBCachedFile&) override { ++ends; }
+    void cachedFileDownloadDidFail(ZEBCachedFile&, std::shared_ptr<const kit::Error> e) override {
+        ++fails;
+        error = std::move(e);
+    }
+    std::shared_ptr<kit::Error> cachedFileShouldRedirectToURL(ZEBCachedFile&, const kit::Url&) override {
+        return nullptr;
+    }
+    void trackerDidRedirect(ZEBClickTracker&, const kit::Url& to) override {
+        ++ends;
+        trackedAt = to.absoluteString();
+    }
+    void trackerDidFailWithError(ZEBClickTracker&, std::shared_ptr<const kit::Error> e) override {
+        ++fails;
+        error = std::move(e);
+    }
+    int outcomes() const { return ends + fails; }
+};
+
+std::string httpDateNow() {
+    return ZEBCachedFile::formatterForHTTPDate().stringFromDate(kit::Platform::current().secondsSince1970()) +
+           " GMT";
+}
+
+}  // namespace
+
+class NetworkQtTest : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        static int argc = 1;
+        static char name[] = "integration_tests";
+        static char* argv[] = {name, nullptr};
+        if (!QApplication::instance()) new QApplication(argc, argv);
+    }
+    void SetUp() override {
+        home_ = fs::temp_directory_path() / ("quiblo-net-" + std::to_string(::getpid()));
+        fs::remove_all(home_);
+        fs::create_directories(home_);
+        setenv("XDG_CACHE_HOME", (home_ / "cache").c_str(), 1);
+        kit::Platform::install(std::make_unique<kit::qt::QtPlatform>(kit::UserInterfaceIdiom::Phone));
+    }
+    void TearDown() override {
+        ZEBStatistics::releaseSharedStatistics();
+        kit::Platform::uninstall();
+        fs::remove_all(home_);
+    }
+
+    // Runs the real loop until `listener` has heard `count` outcomes in all (at most 20 s).
+    void waitForOutcomes(int count) {
+        kit::RunLoop& loop = kit::RunLoop::main();
+        std::function<void()> check = [&] {
+            if (listener->outcomes() >= count)
+                loop.quit(0);
+            else
+                loop.postAfter(0.01, check);
+        };
+        loop.post(check);
+        auto guard = loop.postAfter(20, [&] { loop.quit(1); });
+        loop.run();
+        loop.cancel(guard);
+        loop.clear();
+        ASSERT_GE(listener->outcomes(), count) << "no outcome in time";
+    }
+    std::shared_ptr<ZEBCachedFile> fetch(const std::string& address) {
+        auto file = ZEBCachedFile::createWithDelegateURL(listener, url(address));
+        file->validate();
+        return file;
+    }
+
+    fs::path home_;
+    LoopbackServer server;
+    std::shared_ptr<Listener> listener = std::make_shared<Listener>();
+};
+
+TEST_F(NetworkQtTest, RevalidatesWithLastModifiedAndKeepsTheFileOn304) {
+    server.server().Get("/sdk.js", [](const httplib::Request& request, httplib::Response& response) {
+        if (request.has_header("If-Modified-Since")) {
+            response.status = 304;
+            return;
+        }
+        response.set_header("Last-Modified", "Tue, 15 Nov 2011 12:45:26 GMT");
+        response.set_content("function QUOR_buildAdURL(p) { return p; }", "application/javascript");
+    });
+    auto file = fetch(server.url("/sdk.js"));
+    waitForOutcomes(1);
+    EXPECT_EQ(listener->ends, 1);
+    EXPECT_EQ(file->httpStatusCode(), 200);
+    EXPECT_EQ(file->content(), "function QUOR_buildAdURL(p) { return p; }");
+    EXPECT_EQ(kit::FileManager::defaultManager().modificationTime(*file->filePath()), 1321361126.0);
+
+    file->validate();
+    waitForOutcomes(2);
+    EXPECT_EQ(listener->ends, 2);
+    EXPECT_EQ(file->httpStatusCode(), 304);
+    EXPECT_EQ(server.hits(), 2);
+    EXPECT_EQ(server.lastIfModifiedSince(), "Tue, 15 Nov 2011 12:45:26");
+    EXPECT_EQ(file->content(), "function QUOR_buildAdURL(p) { return p; }");
+}
+
+TEST_F(NetworkQtTest, AFreshAnswerIsServedWithoutAConnectionButNoCacheRevalidates) {
+    server.server().Get("/fresh", [](const httplib::Request&, httplib::Response& response) {
+        response.set_header("Date", httpDateNow());
+        response.set_header("Cache-Control", "max-age=60");
+        response.set_content("fresh", "text/plain");
+    });
+    server.server().Get("/nocache", [](const httplib::Request&, httplib::Response& response) {
+        response.set_header("Date", httpDateNow());
+        response.set_header("Cache-Control", "max-age=60, no-cache");
+        response.set_content("again", "text/plain");
+    });
+    auto fresh = fetch(server.url("/fresh"));
+    waitForOutcomes(1);
+    fresh->validate();
+    EXPECT_EQ(listener->ends, 2) << "served at once from the shared cache";
+    EXPECT_EQ(server.hits(), 1);
+
+    auto again = fetch(server.url("/nocache"));
+    waitForOutcomes(3);
+    again->validate();
+    waitForOutcomes(4);
+    EXPECT_EQ(listener->ends, 4);
+    EXPECT_EQ(server.hits(), 3);
+}
+
+TEST_F(NetworkQtTest, ARedirectToAnApplicationStoreEndsTrackingThereAsSuccess) {
+    server.server().Get("/clk", [&](const httplib::Request&, httplib::Response& response) {
+        response.set_redirect(server.url("/hop"));
+    });
+    server.server().Get("/hop", [](const httplib::Request&, httplib::Response& response) {
+        response.set_redirect("itms-apps://itunes.test/app/id42");
+    });
+    auto tracker = std::make_shared<ZEBClickTracker>();
+    tracker->setDelegate(listener);
+    tracker->trackURL(url(server.url("/clk")));
+    waitForOutcomes(1);
+    EXPECT_EQ(listener->ends, 1);
+    EXPECT_EQ(listener->trackedAt, "itms-apps://itunes.test/app/id42");
+    EXPECT_EQ(tracker->trackingURL()->absoluteString(), "itms-apps://itunes.test/app/id42");
+    EXPECT_EQ(server.hits(), 2);
+    EXPECT_EQ(kit::Application::shared().openBackgroundTaskCount(), 0u);
+}
+
+TEST_F(NetworkQtTest, HttpErrorsFailWithTheStatusReadable) {
+    server.server().Get("/boom", [](const httplib::Request&, httplib::Response& response) {
+        response.status = 500;
+        response.set_content("broken", "text/plain");
+    });
+    auto missing = fetch(server.url("/missing"));
+    waitForOutcomes(1);
+    auto boom = fetch(server.url("/boom"));
+    waitForOutcomes(2);
+    EXPECT_EQ(listener->fails, 2);
+    EXPECT_FALSE(listener->error);
+    EXPECT_EQ(missing->httpStatusCode(), 404);
+    EXPECT_EQ(boom->httpStatusCode(), 500);
+    EXPECT_FALSE(boom->hasContent());
+}
+
+TEST_F(NetworkQtTest, ARefusedConnectionFailsWithAnError) {
+    std::string address = server.url("/gone");
+    server.stop();
+    auto file = fetch(address);
+    waitForOutcomes(1);
+    EXPECT_EQ(listener->fails, 1);
+    ASSERT_TRUE(listener->error);
+    EXPECT_EQ(listener->error->domain(), kit::UrlError::kDomain);
+    EXPECT_EQ(listener->error->code(), kit::UrlError::kCannotConnectToHost);
+}
+
+TEST_F(NetworkQtTest, AnUnwritableCachesFolderFailsWithTheWriteErrorAndKeepsTheOldFile) {
+    std::atomic<int> version{0};
+    server.server().Get("/ad", [&](const httplib::Request&, httplib::Response& response) {
+        response.set_content("<html>version " + std::to_string(++version) + "</html>", "text/html");
+    });
+    auto file = fetch(server.url("/ad"));
+    waitForOutcomes(1);
+    ASSERT_EQ(file->content(), "<html>version 1</html>");
+    {
+        ReadOnlyFolder locked(file->filePath()->parent_path());
+        if (!locked.usable()) GTEST_SKIP() << "this file system lets us write anywhere";
+        file->validate();
+        waitForOutcomes(2);
+    }
+    EXPECT_EQ(listener->fails, 1);
+    ASSERT_TRUE(listener->error);
+    EXPECT_EQ(listener->error->domain(), kit::FileManager::kErrorDomain);
+    EXPECT_EQ(server.hits(), 2);
+    EXPECT_EQ(file->content(), "<html>version 1</html>");
+}
+
+TEST_F(NetworkQtTest, ABodyOfSeveralMegabytesArrivesWhole) {
+    std::string body(6 * 1024 * 1024, '\0');
+    for (size_t i = 0; i < body.size(); ++i) body[i] = static_cast<char>('a' + (i * 7919) % 26);
+    server.server().Get("/big", [&](const httplib::Request&, httplib::Response& response) {
+        response.set_content(body, "application/octet-stream");
+    });
+    auto file = fetch(server.url("/big"));
+    waitForOutcomes(1);
+    EXPECT_EQ(listener->ends, 1);
+    auto saved = kit::FileManager::defaultManager().read(*file->filePath());
+    ASSERT_TRUE(saved);
+    EXPECT_EQ(saved->size(), body.size());
+    EXPECT_TRUE(*saved == body);
+}
