@@ -25,6 +25,9 @@ public:
     // "Content-Type" up to its parameters, in lower case; empty when absent.
     std::string mimeType() const;
 
+    // The usual English phrase for an HTTP status, e.g. "not found" for 404.
+    static std::string localizedStringForStatusCode(int statusCode);
+
 private:
     UrlResponse(Url url, int statusCode, HttpHeaders headers, bool http);
 
