@@ -33,7 +33,8 @@ std::shared_ptr<kit::View> MainInterface::loadSoundboardView(ViewController& con
     for (size_t i = 0; i < ViewController::kButtonCount; ++i) {
         double x = gap + static_cast<double>(i % kColumns) * (width + gap);
         double y = gap + static_cast<double>(i / kColumns) * (height + gap);
-        auto button = std::make_shared<SoundButton>(kit::Rect{x, y, width, height}, SoundButton::FromInterface{});
+        auto button =
+            std::make_shared<SoundButton>(kit::Rect{x, y, width, height}, SoundButton::FromInterface{});
         view->addSubview(button);
         controller.setSoundButton(i, button);
     }

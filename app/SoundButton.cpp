@@ -2,16 +2,20 @@
 
 namespace {
 // Every state a title can be set for, in the order they are set.
-constexpr uint32_t kStates[] = {kit::ControlState::Normal,      kit::ControlState::Application,
-                                kit::ControlState::Disabled,    kit::ControlState::Highlighted,
-                                kit::ControlState::Reserved,    kit::ControlState::Selected};
+constexpr uint32_t kStates[] = {kit::ControlState::Normal,   kit::ControlState::Application,
+                                kit::ControlState::Disabled, kit::ControlState::Highlighted,
+                                kit::ControlState::Reserved, kit::ControlState::Selected};
 }  // namespace
 
-SoundButton::SoundButton(kit::Rect frame) : kit::Button(frame) { setupButton(); }
+SoundButton::SoundButton(kit::Rect frame) : kit::Button(frame) {
+    setupButton();
+}
 
 SoundButton::SoundButton(kit::Rect frame, FromInterface) : kit::Button(frame) {}
 
-void SoundButton::awakeFromNib() { setupButton(); }
+void SoundButton::awakeFromNib() {
+    setupButton();
+}
 
 void SoundButton::setupButton() {
     setShowsTouchWhenHighlighted(true);
@@ -22,7 +26,8 @@ void SoundButton::setupButton() {
     layer().setBorderWidth(1.0);
     // On touch-down, so the sound starts as the finger lands rather than when it lifts. The
     // action belongs to this button and never outlives it.
-    addTargetActionForControlEvents(this, [this](kit::Control&) { playSound(); }, kit::ControlEvent::TouchDown);
+    addTargetActionForControlEvents(
+        this, [this](kit::Control&) { playSound(); }, kit::ControlEvent::TouchDown);
 }
 
 void SoundButton::setTitle(const std::string& title) {
@@ -33,7 +38,9 @@ void SoundButton::setTitleColor(kit::Color color) {
     for (uint32_t state : kStates) setTitleColorForState(color, state);
 }
 
-void SoundButton::setupSound(const std::string& name) { theSound_ = std::make_shared<SoundEffect>(name); }
+void SoundButton::setupSound(const std::string& name) {
+    theSound_ = std::make_shared<SoundEffect>(name);
+}
 
 void SoundButton::playSound() {
     if (theSound_) theSound_->play();

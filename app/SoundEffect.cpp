@@ -10,7 +10,11 @@ SoundEffect::SoundEffect(const std::string& name) {
     if (registration.status == 0) soundID_ = registration.id;
 }
 
-SoundEffect::~SoundEffect() { kit::SoundService::shared().dispose(soundID_); }
+SoundEffect::~SoundEffect() {
+    kit::SoundService::shared().dispose(soundID_);
+}
 
 // The identifier is not checked: 0 (no sound) plays nothing.
-void SoundEffect::play() { kit::SoundService::shared().play(soundID_); }
+void SoundEffect::play() {
+    kit::SoundService::shared().play(soundID_);
+}

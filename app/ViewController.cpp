@@ -7,13 +7,14 @@
 
 namespace {
 const char* const kTitles[ViewController::kButtonCount] = {
-    "Ta-da!",  "Drumroll", "Hooray!",   "Oh no!",   "Boing!",    "Wow!",         "Yippee!", "Uh-oh!",
-    "Awesome!", "Kaboom!", "Whoops!",   "Good job!", "Surprise!", "Abracadabra!", "Music 1", "Music 2",
+    "Ta-da!",   "Drumroll", "Hooray!", "Oh no!",    "Boing!",    "Wow!",         "Yippee!", "Uh-oh!",
+    "Awesome!", "Kaboom!",  "Whoops!", "Good job!", "Surprise!", "Abracadabra!", "Music 1", "Music 2",
 };
 }  // namespace
 
 ViewController::BannerSlot ViewController::bannerSlotForDevice(const kit::Device& device) {
-    if (device.userInterfaceIdiom() == kit::UserInterfaceIdiom::Pad) return {"a1f9e8d7c6b5a49", {128.0, 658.0, 768.0, 90.0}};
+    if (device.userInterfaceIdiom() == kit::UserInterfaceIdiom::Pad)
+        return {"a1f9e8d7c6b5a49", {128.0, 658.0, 768.0, 90.0}};
     return {"a1b2c3d4e5f6a7b", {80.0, 256.0, 320.0, 50.0}};
 }
 
@@ -21,7 +22,9 @@ void ViewController::setSoundButton(size_t index, std::shared_ptr<SoundButton> b
     soundButtons_.at(index) = std::move(button);
 }
 
-void ViewController::loadView() { setView(MainInterface::loadSoundboardView(*this)); }
+void ViewController::loadView() {
+    setView(MainInterface::loadSoundboardView(*this));
+}
 
 void ViewController::viewDidLoad() {
     kit::ViewController::viewDidLoad();

@@ -155,7 +155,7 @@ void registerBase64() {
 
 // Prints as usual and keeps each benchmark's throughput for the ratios.
 class RatioReporter : public benchmark::ConsoleReporter {
-  public:
+public:
     void ReportRuns(const std::vector<Run>& runs) override {
         ConsoleReporter::ReportRuns(runs);
         for (const Run& run : runs) {
@@ -196,7 +196,7 @@ class RatioReporter : public benchmark::ConsoleReporter {
         return allMet;
     }
 
-  private:
+private:
     std::map<std::string, double> rates_;
 };
 

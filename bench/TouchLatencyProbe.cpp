@@ -89,7 +89,8 @@ int main(int argc, char** argv) {
                 kit::RunLoop::main().postAfter(0.1, [&, remaining, touchedAt] {
                     if (!armed.load() && heardAt.load() != 0) {
                         auto heard = Clock::time_point(Clock::duration(heardAt.load()));
-                        latencies.push_back(std::chrono::duration<double, std::milli>(heard - touchedAt).count());
+                        latencies.push_back(
+                            std::chrono::duration<double, std::milli>(heard - touchedAt).count());
                     }
                     armed = false;
                     heardAt = 0;

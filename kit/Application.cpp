@@ -12,9 +12,13 @@ ApplicationDelegate::~ApplicationDelegate() = default;
 Application::Application() = default;
 Application::~Application() = default;
 
-Application& Application::shared() { return Platform::current().application(); }
+Application& Application::shared() {
+    return Platform::current().application();
+}
 
-void Application::post(const char* name) { NotificationCenter::defaultCenter().post(name, this); }
+void Application::post(const char* name) {
+    NotificationCenter::defaultCenter().post(name, this);
+}
 
 void Application::finishLaunching(const Value::Map& options) {
     if (launched_) return;
@@ -61,7 +65,9 @@ void Application::terminate() {
     post(kWillTerminateNotification);
 }
 
-void Application::setStatusBarHidden(bool hidden, bool /*animated*/) { statusBarHidden_ = hidden; }
+void Application::setStatusBarHidden(bool hidden, bool /*animated*/) {
+    statusBarHidden_ = hidden;
+}
 
 void Application::setIdleTimerDisabled(bool disabled) {
     if (idleTimerDisabled_ == disabled) return;
@@ -75,7 +81,9 @@ Application::BackgroundTaskId Application::beginBackgroundTask(std::function<voi
     return id;
 }
 
-void Application::endBackgroundTask(BackgroundTaskId task) { backgroundTasks_.erase(task); }
+void Application::endBackgroundTask(BackgroundTaskId task) {
+    backgroundTasks_.erase(task);
+}
 
 void Application::expireBackgroundTasks() {
     // Handlers end their tasks (or not); either way every task that was open has expired.

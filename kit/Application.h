@@ -20,7 +20,9 @@ constexpr int Portrait = 1;
 constexpr int PortraitUpsideDown = 2;
 constexpr int LandscapeRight = 3;
 constexpr int LandscapeLeft = 4;
-inline bool isLandscape(int o) { return o == LandscapeRight || o == LandscapeLeft; }
+inline bool isLandscape(int o) {
+    return o == LandscapeRight || o == LandscapeLeft;
+}
 }  // namespace InterfaceOrientation
 
 class Application;
@@ -47,11 +49,14 @@ public:
 // notice on the default notification center.
 class Application : public Object {
 public:
-    static constexpr const char* kDidFinishLaunchingNotification = "ApplicationDidFinishLaunchingNotification";
+    static constexpr const char* kDidFinishLaunchingNotification =
+        "ApplicationDidFinishLaunchingNotification";
     static constexpr const char* kWillResignActiveNotification = "ApplicationWillResignActiveNotification";
     static constexpr const char* kDidBecomeActiveNotification = "ApplicationDidBecomeActiveNotification";
-    static constexpr const char* kDidEnterBackgroundNotification = "ApplicationDidEnterBackgroundNotification";
-    static constexpr const char* kWillEnterForegroundNotification = "ApplicationWillEnterForegroundNotification";
+    static constexpr const char* kDidEnterBackgroundNotification =
+        "ApplicationDidEnterBackgroundNotification";
+    static constexpr const char* kWillEnterForegroundNotification =
+        "ApplicationWillEnterForegroundNotification";
     static constexpr const char* kWillTerminateNotification = "ApplicationWillTerminateNotification";
 
     using BackgroundTaskId = uint64_t;

@@ -19,7 +19,7 @@ enum class ButtonType { Custom = 0, RoundedRect = 1 };
 // state (any value of ControlState bits, the application and reserved ones too); a state with
 // nothing of its own shows what the normal state has.
 class Button : public Control {
-  public:
+public:
     explicit Button(Rect frame = {}, ButtonType type = ButtonType::Custom);
     ~Button() override;
 
@@ -45,7 +45,7 @@ class Button : public Control {
     bool showsTouchWhenHighlighted() const { return showsTouchWhenHighlighted_; }
     void setShowsTouchWhenHighlighted(bool shows);
 
-  private:
+private:
     template <class T>
     static std::optional<T> lookup(const std::map<uint32_t, T>& values, uint32_t state);
 

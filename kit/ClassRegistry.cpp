@@ -17,7 +17,9 @@ void ClassRegistry::remove(std::string_view name) {
     if (auto it = classes().find(name); it != classes().end()) classes().erase(it);
 }
 
-bool ClassRegistry::contains(std::string_view name) { return classes().find(name) != classes().end(); }
+bool ClassRegistry::contains(std::string_view name) {
+    return classes().find(name) != classes().end();
+}
 
 std::shared_ptr<Object> ClassRegistry::create(std::string_view name) {
     auto it = classes().find(name);

@@ -37,7 +37,7 @@ constexpr uint32_t AllEvents = 0xFFFFFFFF;
 
 // A view that turns touches into events and runs the actions registered for them.
 class Control : public View {
-  public:
+public:
     using Action = std::function<void(Control& sender)>;
 
     explicit Control(Rect frame = {});
@@ -73,11 +73,11 @@ class Control : public View {
     // Whether the tracked touch is over the control.
     bool isTouchInside() const { return touchInside_; }
 
-  protected:
+protected:
     // After enabled, highlighted or selected changed. The base tells the peer of new content.
     virtual void stateDidChange();
 
-  private:
+private:
     struct Registration {
         const void* target;
         Action action;

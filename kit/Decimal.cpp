@@ -122,7 +122,9 @@ Decimal Decimal::fromInteger(int64_t value) {
     return *make(magnitude, 0, value < 0);
 }
 
-Decimal Decimal::fromUnsigned(uint64_t value) { return *make(value, 0, false); }
+Decimal Decimal::fromUnsigned(uint64_t value) {
+    return *make(value, 0, false);
+}
 
 std::optional<Decimal> Decimal::fromDouble(double value) {
     if (!std::isfinite(value)) return std::nullopt;
@@ -138,8 +140,8 @@ std::optional<Decimal> Decimal::parse(std::string_view text) {
     if (i < n && (text[i] == '-' || text[i] == '+')) negative = text[i++] == '-';
 
     Mantissa mantissa = 0;
-    int digits = 0;          // significant digits kept
-    int64_t exponent = 0;    // adjustment from dropped or fractional digits
+    int digits = 0;        // significant digits kept
+    int64_t exponent = 0;  // adjustment from dropped or fractional digits
     bool sawDigit = false;
     bool roundUp = false;
     bool dropped = false;
@@ -243,7 +245,9 @@ int64_t Decimal::toInt64() const {
     return m > kMax ? std::numeric_limits<int64_t>::max() : static_cast<int64_t>(m);
 }
 
-bool Decimal::operator==(const Decimal& other) const { return (*this <=> other) == 0; }
+bool Decimal::operator==(const Decimal& other) const {
+    return (*this <=> other) == 0;
+}
 
 std::strong_ordering Decimal::operator<=>(const Decimal& other) const {
     if (isZero() && other.isZero()) return std::strong_ordering::equal;
@@ -265,8 +269,9 @@ std::strong_ordering Decimal::operator<=>(const Decimal& other) const {
     };
     std::strong_ordering m = magnitude();
     if (!aNeg) return m;
-    return m == std::strong_ordering::less ? std::strong_ordering::greater
-                                           : (m == std::strong_ordering::greater ? std::strong_ordering::less : m);
+    return m == std::strong_ordering::less
+               ? std::strong_ordering::greater
+               : (m == std::strong_ordering::greater ? std::strong_ordering::less : m);
 }
 
 }  // namespace kit

@@ -7,7 +7,9 @@
 
 namespace kit {
 
-Device& Device::current() { return Platform::current().device(); }
+Device& Device::current() {
+    return Platform::current().device();
+}
 
 namespace {
 // "pt_BR.UTF-8@euro" becomes "pt-BR"; none for the untranslated locales and empty names.

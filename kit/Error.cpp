@@ -4,7 +4,8 @@
 
 namespace kit {
 
-Error::Error(std::string domain, int64_t code, Value::Map userInfo, std::shared_ptr<const Error> underlyingError)
+Error::Error(std::string domain, int64_t code, Value::Map userInfo,
+             std::shared_ptr<const Error> underlyingError)
     : domain_(std::move(domain)),
       code_(code),
       userInfo_(std::move(userInfo)),

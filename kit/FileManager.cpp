@@ -33,7 +33,9 @@ bool fail(std::shared_ptr<Error>* error, int code, const fs::path& path, std::st
 
 FileManager::FileManager(Folders folders) : folders_(std::move(folders)) {}
 
-FileManager& FileManager::defaultManager() { return Platform::current().fileManager(); }
+FileManager& FileManager::defaultManager() {
+    return Platform::current().fileManager();
+}
 
 bool FileManager::exists(const fs::path& path) const {
     std::error_code ec;
@@ -49,7 +51,8 @@ std::optional<std::string> FileManager::read(const fs::path& path) const {
     return std::move(contents).str();
 }
 
-bool FileManager::writeAtomically(const fs::path& path, std::string_view bytes, std::shared_ptr<Error>* error) const {
+bool FileManager::writeAtomically(const fs::path& path, std::string_view bytes,
+                                  std::shared_ptr<Error>* error) const {
     static thread_local std::mt19937_64 random{std::random_device{}()};
     fs::path temporary = path;
     temporary += fmt::format(".tmp{:016x}", random());

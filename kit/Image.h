@@ -12,7 +12,7 @@ namespace kit {
 // A picture and its scale (device pixels per point). The image keeps the bytes it was made from;
 // the port decodes and draws them. Immutable, so images are shared freely.
 class Image : public Object {
-  public:
+public:
     enum class Format { Png, Rgba };
 
     // From the bytes of a PNG file; the pixel size comes from its header. None when the bytes do
@@ -36,7 +36,7 @@ class Image : public Object {
 
     ~Image() override;
 
-  private:
+private:
     Image(Format format, std::shared_ptr<const std::vector<uint8_t>> bytes, int width, int height,
           double scale);
 

@@ -11,7 +11,7 @@ class Image;
 // A view that shows an image, stretched to its bounds. Touches pass through it unless user
 // interaction is turned on.
 class ImageView : public View {
-  public:
+public:
     // Sized to the image.
     explicit ImageView(std::shared_ptr<Image> image = nullptr);
     explicit ImageView(Rect frame);
@@ -20,7 +20,7 @@ class ImageView : public View {
     const std::shared_ptr<Image>& image() const { return image_; }
     void setImage(std::shared_ptr<Image> image);
 
-  private:
+private:
     std::shared_ptr<Image> image_;
 };
 

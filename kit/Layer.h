@@ -9,7 +9,7 @@ class View;
 // The drawing attributes of a view that go beyond its colour: rounded corners, a border and
 // clipping. Every view owns exactly one; a change is passed on to the view's peer.
 class Layer {
-  public:
+public:
     explicit Layer(View& view) : view_(view) {}
     Layer(const Layer&) = delete;
     Layer& operator=(const Layer&) = delete;
@@ -26,7 +26,7 @@ class Layer {
     bool masksToBounds() const { return masksToBounds_; }
     void setMasksToBounds(bool masks);
 
-  private:
+private:
     void changed();
 
     View& view_;

@@ -9,7 +9,9 @@ namespace kit {
 NotificationCenter::NotificationCenter() = default;
 NotificationCenter::~NotificationCenter() = default;
 
-NotificationCenter& NotificationCenter::defaultCenter() { return Platform::current().notificationCenter(); }
+NotificationCenter& NotificationCenter::defaultCenter() {
+    return Platform::current().notificationCenter();
+}
 
 void NotificationCenter::addObserver(const void* observer, std::string name, const void* object,
                                      Handler handler) {
@@ -42,7 +44,8 @@ void NotificationCenter::post(const Notification& notification) {
     // A snapshot, so that observers may add and remove observers while being called.
     std::vector<std::shared_ptr<Entry>> matching;
     for (const auto& e : entries_) {
-        if ((e->name.empty() || e->name == notification.name) && (!e->object || e->object == notification.object))
+        if ((e->name.empty() || e->name == notification.name) &&
+            (!e->object || e->object == notification.object))
             matching.push_back(e);
     }
     for (const auto& e : matching) {

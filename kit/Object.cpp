@@ -11,7 +11,9 @@ namespace kit {
 
 Object::~Object() = default;
 
-std::string Object::className() const { return classNameOf(typeid(*this)); }
+std::string Object::className() const {
+    return classNameOf(typeid(*this));
+}
 
 std::string classNameOf(const std::type_info& type) {
     const char* mangled = type.name();

@@ -13,7 +13,7 @@ namespace {
 std::unique_ptr<Platform> gOwner;
 // Stays set while the platform is destroyed, so that services' destructors can still reach it.
 Platform* gPlatform = nullptr;
-}
+}  // namespace
 
 Platform::Platform() = default;
 Platform::~Platform() = default;
@@ -23,16 +23,22 @@ double Platform::secondsSince1970() const {
     return duration<double>(system_clock::now().time_since_epoch()).count();
 }
 
-void Platform::shutdown() { runLoop().clear(); }
+void Platform::shutdown() {
+    runLoop().clear();
+}
 
-std::unique_ptr<UrlLoader> Platform::makeUrlLoader(const UrlRequest&, UrlLoader::Client&) { return nullptr; }
+std::unique_ptr<UrlLoader> Platform::makeUrlLoader(const UrlRequest&, UrlLoader::Client&) {
+    return nullptr;
+}
 
 UrlCache& Platform::urlCache() {
     if (!urlCache_) urlCache_ = std::make_unique<UrlCache>();
     return *urlCache_;
 }
 
-std::unique_ptr<WebPage> Platform::createWebPage(WebView&) { return nullptr; }
+std::unique_ptr<WebPage> Platform::createWebPage(WebView&) {
+    return nullptr;
+}
 
 void Platform::install(std::unique_ptr<Platform> platform) {
     uninstall();
@@ -47,7 +53,9 @@ void Platform::uninstall() {
     gPlatform = nullptr;
 }
 
-bool Platform::isInstalled() { return gPlatform != nullptr; }
+bool Platform::isInstalled() {
+    return gPlatform != nullptr;
+}
 
 Platform& Platform::current() {
     if (!gPlatform) {

@@ -11,7 +11,7 @@ class Window;
 // Something that can hold the input focus: a view or a view controller. Each window has at most
 // one first responder.
 class Responder : public Object {
-  public:
+public:
     ~Responder() override;
 
     virtual bool canBecomeFirstResponder() const { return false; }
@@ -23,7 +23,7 @@ class Responder : public Object {
     virtual bool resignFirstResponder();
     bool isFirstResponder() const;
 
-  protected:
+protected:
     friend class Window;
 
     Responder() = default;

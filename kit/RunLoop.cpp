@@ -13,11 +13,17 @@ RunLoop::RunLoop(std::unique_ptr<RunLoopImplementation> implementation)
     pools_.emplace_back();  // the root pool: work done outside any turn
 }
 
-RunLoop::~RunLoop() { clear(); }
+RunLoop::~RunLoop() {
+    clear();
+}
 
-RunLoop& RunLoop::main() { return Platform::current().runLoop(); }
+RunLoop& RunLoop::main() {
+    return Platform::current().runLoop();
+}
 
-double RunLoop::now() const { return implementation_->now(); }
+double RunLoop::now() const {
+    return implementation_->now();
+}
 
 RunLoop::CallId RunLoop::post(std::function<void()> call, const void* target) {
     return postAfter(0, std::move(call), target);
@@ -59,7 +65,9 @@ void RunLoop::keepAlive(std::shared_ptr<const void> object) {
     if (pools_.size() == 1 && !inRunDue_) implementation_->wakeAt(now());
 }
 
-bool RunLoop::isMainThread() const { return implementation_->isMainThread(); }
+bool RunLoop::isMainThread() const {
+    return implementation_->isMainThread();
+}
 
 void RunLoop::invokeOnMainAndWait(const std::function<void()>& call) {
     if (isMainThread()) {
@@ -77,9 +85,13 @@ void RunLoop::invokeOnMain(std::function<void()> call) {
     implementation_->postFromOtherThread(std::move(call));
 }
 
-int RunLoop::run() { return implementation_->exec(); }
+int RunLoop::run() {
+    return implementation_->exec();
+}
 
-void RunLoop::quit(int code) { implementation_->quit(code); }
+void RunLoop::quit(int code) {
+    implementation_->quit(code);
+}
 
 void RunLoop::drainPool(size_t level) {
     // Releasing may run destructors that keep other objects alive: take the pool out first.
@@ -145,7 +157,9 @@ void RunLoop::clear() {
     for (size_t level = pools_.size(); level-- > 0;) drainPool(level);
 }
 
-RunLoop::Turn::Turn(RunLoop& loop) : loop_(loop) { loop_.pools_.emplace_back(); }
+RunLoop::Turn::Turn(RunLoop& loop) : loop_(loop) {
+    loop_.pools_.emplace_back();
+}
 
 RunLoop::Turn::~Turn() {
     loop_.drainPool(loop_.pools_.size() - 1);

@@ -4,6 +4,8 @@
 
 namespace kit {
 
-Screen& Screen::main() { return Platform::current().screen(); }
+Screen& Screen::main() {
+    return Platform::current().screen();
+}
 
 }  // namespace kit

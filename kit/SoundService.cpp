@@ -6,6 +6,8 @@ namespace kit {
 
 SoundService::~SoundService() = default;
 
-SoundService& SoundService::shared() { return Platform::current().soundService(); }
+SoundService& SoundService::shared() {
+    return Platform::current().soundService();
+}
 
 }  // namespace kit

@@ -7,7 +7,7 @@ namespace kit {
 namespace {
 // A repeating timer with no interval would fire forever within one instant.
 constexpr double kMinimumRepeatInterval = 0.0001;
-}
+}  // namespace
 
 Timer::Timer(double interval, bool repeats, Callback callback)
     : interval_(interval < 0 ? 0 : interval), repeats_(repeats), callback_(std::move(callback)) {
@@ -26,7 +26,8 @@ std::shared_ptr<Timer> Timer::scheduled(double interval, bool repeats, Callback 
 void Timer::schedule() {
     auto self = std::static_pointer_cast<Timer>(shared_from_this());
     RunLoop& loop = RunLoop::main();
-    call_ = loop.postAfter(fireTime_ - loop.now(), [self] { self->timerFired(); }, this);
+    call_ = loop.postAfter(
+        fireTime_ - loop.now(), [self] { self->timerFired(); }, this);
 }
 
 void Timer::timerFired() {

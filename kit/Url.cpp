@@ -27,7 +27,9 @@ std::optional<Url> Url::parse(std::string_view text, const Url& base) {
     return Url(std::string(resolved.buffer()));
 }
 
-std::string Url::scheme() const { return std::string(view(text_).scheme()); }
+std::string Url::scheme() const {
+    return std::string(view(text_).scheme());
+}
 
 std::optional<std::string> Url::host() const {
     urls::url_view v = view(text_);
@@ -41,7 +43,9 @@ std::optional<int> Url::port() const {
     return static_cast<int>(v.port_number());
 }
 
-std::string Url::path() const { return std::string(view(text_).path()); }
+std::string Url::path() const {
+    return std::string(view(text_).path());
+}
 
 std::optional<std::string> Url::query() const {
     urls::url_view v = view(text_);
@@ -60,8 +64,8 @@ std::string Url::percentEncode(std::string_view text, std::string_view keep) {
     std::string out;
     out.reserve(text.size());
     for (unsigned char c : text) {
-        bool unreserved = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
-                          c == '.' || c == '_' || c == '~';
+        bool unreserved = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+                          c == '-' || c == '.' || c == '_' || c == '~';
         if (unreserved || (c != 0 && keep.find(static_cast<char>(c)) != std::string_view::npos)) {
             out += static_cast<char>(c);
         } else {

@@ -214,9 +214,13 @@ UserDefaults::UserDefaults(std::filesystem::path file) : file_(std::move(file)) 
     values_ = std::move(*stored);
 }
 
-UserDefaults& UserDefaults::standard() { return Platform::current().userDefaults(); }
+UserDefaults& UserDefaults::standard() {
+    return Platform::current().userDefaults();
+}
 
-const Value* UserDefaults::find(std::string_view key) const { return values_.find(key); }
+const Value* UserDefaults::find(std::string_view key) const {
+    return values_.find(key);
+}
 
 std::optional<std::string> UserDefaults::string(std::string_view key) const {
     const Value* v = find(key);
@@ -254,9 +258,13 @@ const Value::Map* UserDefaults::map(std::string_view key) const {
     return v ? v->map() : nullptr;
 }
 
-void UserDefaults::set(std::string key, Value value) { values_.set(std::move(key), std::move(value)); }
+void UserDefaults::set(std::string key, Value value) {
+    values_.set(std::move(key), std::move(value));
+}
 
-void UserDefaults::remove(std::string_view key) { values_.erase(key); }
+void UserDefaults::remove(std::string_view key) {
+    values_.erase(key);
+}
 
 bool UserDefaults::synchronize() {
     if (!file_) return true;

@@ -53,7 +53,9 @@ public:
     Type type() const { return static_cast<Type>(storage_.index()); }
     bool isNull() const { return type() == Type::Null; }
     // Integer, real or decimal; a bool is not a number.
-    bool isNumber() const { return type() == Type::Integer || type() == Type::Real || type() == Type::Decimal; }
+    bool isNumber() const {
+        return type() == Type::Integer || type() == Type::Real || type() == Type::Decimal;
+    }
     bool isString() const { return type() == Type::String; }
     bool isArray() const { return type() == Type::Array; }
     bool isMap() const { return type() == Type::Map; }

@@ -41,7 +41,7 @@ enum class ViewTransition { None = 0, FlipFromLeft = 1, FlipFromRight = 2, CurlU
 // animates towards it. While the view is in a window on screen it may have a platform peer
 // (ViewPeer) that is told of each change.
 class View : public Responder {
-  public:
+public:
     explicit View(Rect frame = {});
     ~View() override;
 
@@ -124,7 +124,7 @@ class View : public Responder {
     // ---- Platform
     ViewPeer* peer() const { return peer_.get(); }
 
-  protected:
+protected:
     // Hooks, called once a move is complete: didMoveToSuperview(), then, when the window changed,
     // didMoveToWindow() on the view and each view beneath it.
     virtual void didMoveToSuperview() {}
@@ -140,7 +140,7 @@ class View : public Responder {
     // Lets go of every subview at once (the view is going away); `inWindow` when they leave a window.
     void orphanSubviews(bool inWindow);
 
-  private:
+private:
     friend class Layer;
 
     void detachFromSuperview();

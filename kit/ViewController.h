@@ -31,7 +31,7 @@ enum class ModalTransitionStyle { CoverVertical = 0, FlipHorizontal = 1, CrossDi
 // B still knows its presenter in its viewDidDisappear. When A dismisses a stack A > B > C, only
 // the top (C) and A hear the calls, as B had already disappeared under C; B and C both leave.
 class ViewController : public Responder {
-  public:
+public:
     static constexpr double kAnimationDuration = 0.3;
 
     ViewController();
@@ -78,7 +78,7 @@ class ViewController : public Responder {
     // overridden.
     virtual bool shouldAutorotateToInterfaceOrientation(int orientation);
 
-  protected:
+protected:
     // Makes the view. The default makes a plain view with the screen's bounds that follows its
     // superview's size. An override sets the view with setView().
     virtual void loadView();
@@ -86,7 +86,7 @@ class ViewController : public Responder {
 
     std::shared_ptr<Window> responderWindow() const override;
 
-  private:
+private:
     std::shared_ptr<ViewController> self();
     std::shared_ptr<Window> window() const;
 

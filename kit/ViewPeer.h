@@ -12,7 +12,7 @@ namespace kit {
 // A view whose content must live on without a peer (a loaded page, say) keeps that content in
 // its own platform object; the peer only shows it.
 class ViewPeer {
-  public:
+public:
     enum class Change {
         Frame,  // frame or bounds (a bounds origin change moves the subviews' peers too)
         Hidden,

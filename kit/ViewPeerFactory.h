@@ -10,7 +10,7 @@ class ViewPeer;
 // Makes the peers of a port (Platform::viewPeerFactory()). A factory chooses the kind of peer by
 // the kind of view (a window, a button, an image view, a web view...).
 class ViewPeerFactory {
-  public:
+public:
     virtual ~ViewPeerFactory();
 
     // `view` has just entered a window on screen (or is that window). Its superview, if any,

@@ -13,7 +13,7 @@ class ViewController;
 // screen, and its whole tree has platform peers. It holds the root view controller, whose view
 // fills it, keeps the first responder, and delivers touches.
 class Window : public View {
-  public:
+public:
     explicit Window(Rect frame);
     ~Window() override;
 
@@ -42,7 +42,7 @@ class Window : public View {
     void touchUp(Point point);
     void touchCancelled();
 
-  private:
+private:
     friend class Responder;
 
     std::shared_ptr<Control> trackedControl();

@@ -18,7 +18,7 @@
 class KBLStringEncoding : public kit::Object {
     struct Token {};
 
-  public:
+public:
     // Values of reverseCharMap besides a character's value.
     static constexpr int kInvalid = -1;
     static constexpr int kPadding = -2;
@@ -66,7 +66,7 @@ class KBLStringEncoding : public kit::Object {
 
     std::string description() const override;
 
-  private:
+private:
     std::string charMapData_;
     // All 256 byte values, so that non-ASCII bytes need no check of their own: they stay kInvalid.
     std::array<int8_t, 256> reverseCharMap_;

@@ -157,7 +157,7 @@ const char* skipSpaceRun(const char* p, const char* end) {
 }
 
 class Reader {
-  public:
+public:
     Reader(std::string_view text, unsigned maxDepth, int& depth, std::vector<Frame>& frames,
            std::vector<Value>& values, std::vector<std::string>& keys, std::string& scratch)
         : p_(text.data()),
@@ -171,7 +171,7 @@ class Reader {
 
     std::optional<Value> read(std::shared_ptr<kit::Error>& error);
 
-  private:
+private:
     void skipSpace() {
         if (p_ == end_ || !isSpace(*p_)) return;  // compact text: nothing to skip
         ++p_;
@@ -615,13 +615,13 @@ const char* findEscape(const char* p, const char* end) {
 }
 
 class Writer {
-  public:
+public:
     Writer(bool sortKeys, bool humanReadable, int& depth)
         : sortKeys_(sortKeys), humanReadable_(humanReadable), depth_(depth) {}
 
     std::optional<std::string> write(const Value& root, std::shared_ptr<kit::Error>& error);
 
-  private:
+private:
     struct Frame {
         const Value* container;
         size_t index;

@@ -25,7 +25,7 @@
 // container, in its own code-3 error with the original as underlying error; errors of a container's
 // own structure (depth, trailing comma, missing separator, end of input) are not wrapped.
 class ZEBJSON : public kit::Object {
-  public:
+public:
     static constexpr const char* kErrorDomain = "com.vantor.ads.ZEBJSON";
 
     enum ErrorCode : int64_t {
@@ -80,7 +80,7 @@ class ZEBJSON : public kit::Object {
     static std::shared_ptr<kit::Error> errorWithCodeUnderlyingDescription(
         int64_t code, std::shared_ptr<const kit::Error> underlying, std::string description);
 
-  private:
+private:
     // The reader's stacks, kept from one call to the next so that their memory is reused.
     struct Stacks;
     std::unique_ptr<Stacks> stacks_;

@@ -8,7 +8,7 @@
 
 // Small conveniences of the ad client.
 class ZEBMacros {
-  public:
+public:
     // The JSON text of an object or array with the default writer options; "" when it cannot be
     // written (a scalar at the top, a value JSON cannot express). None for none.
     static std::string jsonify(const kit::Value& object);

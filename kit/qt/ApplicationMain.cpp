@@ -66,7 +66,8 @@ void tapControls(const std::shared_ptr<Window>& window, std::function<void()> do
             auto w = weakWindow.lock();
             if (!c || !w) return;
             Rect b = c->bounds();
-            Point centre = c->convertPointToView({b.minX() + b.width() / 2, b.minY() + b.height() / 2}, w.get());
+            Point centre =
+                c->convertPointToView({b.minX() + b.width() / 2, b.minY() + b.height() / 2}, w.get());
             w->touchDown(centre);
             w->touchUp(centre);
         });

@@ -31,11 +31,12 @@ bool QtApplication::canOpenUrl(const Url& url) const {
 void QtApplication::idleTimerDidChange() {
     // Without a session bus or a screensaver service there is nothing to inhibit.
     if (!QDBusConnection::sessionBus().isConnected()) return;
-    QDBusInterface saver("org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver", "org.freedesktop.ScreenSaver",
-                         QDBusConnection::sessionBus());
+    QDBusInterface saver("org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver",
+                         "org.freedesktop.ScreenSaver", QDBusConnection::sessionBus());
     if (!saver.isValid()) return;
     if (isIdleTimerDisabled() && inhibitCookie_ == 0) {
-        QDBusReply<uint32_t> reply = saver.call("Inhibit", QStringLiteral("Quiblo"), QStringLiteral("Keeping the screen awake"));
+        QDBusReply<uint32_t> reply =
+            saver.call("Inhibit", QStringLiteral("Quiblo"), QStringLiteral("Keeping the screen awake"));
         if (reply.isValid()) inhibitCookie_ = reply.value();
     } else if (!isIdleTimerDisabled() && inhibitCookie_ != 0) {
         saver.call("UnInhibit", inhibitCookie_);

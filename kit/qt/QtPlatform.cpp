@@ -34,7 +34,8 @@ QtPlatform::QtPlatform(UserInterfaceIdiom idiom)
     auto caches = standardFolder(QStandardPaths::CacheLocation);
     auto data = standardFolder(QStandardPaths::AppDataLocation);
     auto config = standardFolder(QStandardPaths::AppConfigLocation);
-    auto resources = std::filesystem::path(QCoreApplication::applicationDirPath().toStdString()) / "Resources";
+    auto resources =
+        std::filesystem::path(QCoreApplication::applicationDirPath().toStdString()) / "Resources";
     fileManager_ = std::make_unique<FileManager>(FileManager::Folders{caches, data / "Documents", resources});
     fileManager_->createFolder(caches);
     fileManager_->createFolder(data / "Documents");

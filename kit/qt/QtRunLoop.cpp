@@ -31,11 +31,17 @@ void QtRunLoop::wakeAt(double deadline) {
     timer_.start(ms);
 }
 
-int QtRunLoop::exec() { return QCoreApplication::exec(); }
+int QtRunLoop::exec() {
+    return QCoreApplication::exec();
+}
 
-void QtRunLoop::quit(int code) { QCoreApplication::exit(code); }
+void QtRunLoop::quit(int code) {
+    QCoreApplication::exit(code);
+}
 
-bool QtRunLoop::isMainThread() const { return std::this_thread::get_id() == mainThread_; }
+bool QtRunLoop::isMainThread() const {
+    return std::this_thread::get_id() == mainThread_;
+}
 
 void QtRunLoop::postFromOtherThread(std::function<void()> call) {
     QMetaObject::invokeMethod(

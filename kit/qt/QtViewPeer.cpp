@@ -13,7 +13,9 @@
 namespace kit::qt {
 
 namespace {
-QColor toQColor(Color c) { return QColor::fromRgbF(float(c.red), float(c.green), float(c.blue), float(c.alpha)); }
+QColor toQColor(Color c) {
+    return QColor::fromRgbF(float(c.red), float(c.green), float(c.blue), float(c.alpha));
+}
 
 // Decoded images by the image they come from; entries go when the image does.
 std::map<const Image*, std::pair<std::weak_ptr<const Object>, QImage>>& imageCache() {
@@ -37,7 +39,8 @@ void QtViewPeer::placeWidget() {
     Rect frame = view_.frame();
     Point origin{0, 0};
     if (auto superview = view_.superview()) origin = superview->bounds().origin;
-    setGeometry(QRectF(frame.minX() - origin.x, frame.minY() - origin.y, frame.width(), frame.height()).toRect());
+    setGeometry(
+        QRectF(frame.minX() - origin.x, frame.minY() - origin.y, frame.width(), frame.height()).toRect());
 }
 
 void QtViewPeer::restack() {
@@ -82,14 +85,15 @@ double QtViewPeer::effectiveAlpha() const {
 
 QImage QtViewPeer::toQImage(const Image& image) {
     auto& cache = imageCache();
-    for (auto it = cache.begin(); it != cache.end();) it = it->second.first.expired() ? cache.erase(it) : std::next(it);
+    for (auto it = cache.begin(); it != cache.end();)
+        it = it->second.first.expired() ? cache.erase(it) : std::next(it);
     if (auto it = cache.find(&image); it != cache.end()) return it->second.second;
     QImage decoded;
     if (image.format() == Image::Format::Png) {
         decoded = QImage::fromData(image.bytes().data(), static_cast<int>(image.bytes().size()), "PNG");
     } else {
-        decoded = QImage(image.bytes().data(), image.pixelWidth(), image.pixelHeight(), image.pixelWidth() * 4,
-                         QImage::Format_RGBA8888)
+        decoded = QImage(image.bytes().data(), image.pixelWidth(), image.pixelHeight(),
+                         image.pixelWidth() * 4, QImage::Format_RGBA8888)
                       .copy();
     }
     decoded.setDevicePixelRatio(image.scale());

@@ -1,7 +1,7 @@
 #include "kit/qt/QtViewPeerFactory.h"
 
-#include "kit/Window.h"
 #include "kit/WebView.h"
+#include "kit/Window.h"
 #include "kit/qt/QtViewPeer.h"
 #include "kit/qt/QtWebViewPeer.h"
 #include "kit/qt/QtWindowPeer.h"
@@ -13,7 +13,8 @@ std::unique_ptr<ViewPeer> QtViewPeerFactory::createPeer(View& view) {
     auto superview = view.superview();
     auto* parent = superview ? dynamic_cast<QtViewPeer*>(superview->peer()) : nullptr;
     if (!parent) return nullptr;
-    if (auto* webView = dynamic_cast<WebView*>(&view)) return std::make_unique<QtWebViewPeer>(*webView, parent);
+    if (auto* webView = dynamic_cast<WebView*>(&view))
+        return std::make_unique<QtWebViewPeer>(*webView, parent);
     return std::make_unique<QtViewPeer>(view, parent);
 }
 

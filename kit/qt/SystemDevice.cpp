@@ -15,7 +15,8 @@ std::string firstLine(const char* path) {
     std::ifstream in(path);
     std::string line;
     std::getline(in, line);
-    while (!line.empty() && (line.back() == ' ' || line.back() == '\r' || line.back() == '\t')) line.pop_back();
+    while (!line.empty() && (line.back() == ' ' || line.back() == '\r' || line.back() == '\t'))
+        line.pop_back();
     return line;
 }
 }  // namespace

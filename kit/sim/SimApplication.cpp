@@ -17,7 +17,9 @@ bool SimApplication::openUrl(const Url& url) {
     return true;
 }
 
-bool SimApplication::canOpenUrl(const Url& url) const { return openable_.count(lower(url.scheme())) != 0; }
+bool SimApplication::canOpenUrl(const Url& url) const {
+    return openable_.count(lower(url.scheme())) != 0;
+}
 
 void SimApplication::setOpenableSchemes(std::set<std::string> schemes) {
     openable_.clear();

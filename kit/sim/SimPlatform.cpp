@@ -11,8 +11,8 @@ namespace kit::sim {
 namespace {
 std::filesystem::path makeFolder() {
     std::random_device random;
-    auto folder = std::filesystem::temp_directory_path() /
-                  fmt::format("quiblo-sim-{:08x}{:08x}", random(), random());
+    auto folder =
+        std::filesystem::temp_directory_path() / fmt::format("quiblo-sim-{:08x}{:08x}", random(), random());
     std::filesystem::create_directories(folder / "Caches");
     std::filesystem::create_directories(folder / "Documents");
     std::filesystem::create_directories(folder / "Resources");
@@ -54,7 +54,9 @@ double SimPlatform::secondsSince1970() const {
     return kStartDate + (clock_->now() - SimRunLoop::kStartTime);
 }
 
-std::unique_ptr<WebPage> SimPlatform::createWebPage(WebView& view) { return std::make_unique<SimWebPage>(view); }
+std::unique_ptr<WebPage> SimPlatform::createWebPage(WebView& view) {
+    return std::make_unique<SimWebPage>(view);
+}
 
 SimPlatform& SimPlatform::install() {
     auto platform = std::make_unique<SimPlatform>();
@@ -67,6 +69,8 @@ std::unique_ptr<UrlLoader> SimPlatform::makeUrlLoader(const UrlRequest& request,
     return http_.makeLoader(request, client);
 }
 
-SimPlatform& SimPlatform::current() { return static_cast<SimPlatform&>(Platform::current()); }
+SimPlatform& SimPlatform::current() {
+    return static_cast<SimPlatform&>(Platform::current());
+}
 
 }  // namespace kit::sim

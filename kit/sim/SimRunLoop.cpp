@@ -9,11 +9,13 @@ namespace kit::sim {
 namespace {
 // Calls that keep posting themselves never leave the loop idle; stop rather than hang the test.
 constexpr size_t kMaxPasses = 100000;
-}
+}  // namespace
 
 SimRunLoop::SimRunLoop() : mainThread_(std::this_thread::get_id()) {}
 
-RunLoop& SimRunLoop::loop() const { return RunLoop::main(); }
+RunLoop& SimRunLoop::loop() const {
+    return RunLoop::main();
+}
 
 bool SimRunLoop::runInbox() {
     std::deque<std::function<void()>> calls;

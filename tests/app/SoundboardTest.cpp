@@ -20,7 +20,8 @@ protected:
     }
     // The screen as the application shows it.
     std::shared_ptr<kit::Window> launch() {
-        auto interface = kit::ClassRegistry::create<kit::InterfaceFile>(kit::InterfaceFile::kMainInterfaceName);
+        auto interface =
+            kit::ClassRegistry::create<kit::InterfaceFile>(kit::InterfaceFile::kMainInterfaceName);
         EXPECT_TRUE(interface);
         auto window = interface->instantiateWindow();
         window->makeKeyAndVisible();
@@ -31,7 +32,8 @@ protected:
     }
     kit::Point centreOf(const kit::View& view) {
         kit::Rect f = view.frame();
-        return view.superview()->convertPointToView({f.minX() + f.width() / 2, f.minY() + f.height() / 2}, nullptr);
+        return view.superview()->convertPointToView({f.minX() + f.width() / 2, f.minY() + f.height() / 2},
+                                                    nullptr);
     }
     std::vector<std::string> heardFiles() {
         std::vector<std::string> out;
@@ -47,7 +49,8 @@ TEST_F(SoundboardTest, BannerSlotFollowsTheIdiomAndAnUnknownIdiomMeansHandset) {
     auto tablet = ViewController::bannerSlotForDevice(device);
     EXPECT_EQ(tablet.adUnitID, "a1f9e8d7c6b5a49");
     EXPECT_EQ(tablet.frame, (kit::Rect{128, 658, 768, 90}));
-    for (auto idiom : {std::optional(kit::UserInterfaceIdiom::Phone), std::optional<kit::UserInterfaceIdiom>()}) {
+    for (auto idiom :
+         {std::optional(kit::UserInterfaceIdiom::Phone), std::optional<kit::UserInterfaceIdiom>()}) {
         device.setUserInterfaceIdiom(idiom);
         auto handset = ViewController::bannerSlotForDevice(device);
         EXPECT_EQ(handset.adUnitID, "a1b2c3d4e5f6a7b");
@@ -64,7 +67,8 @@ TEST_F(SoundboardTest, LaunchingNeedsTheDelegateByNameAndNothingElse) {
 
 TEST_F(SoundboardTest, SixteenTitledButtonsSitAboveTheBannerSlotInEveryIdiom) {
     for (bool tablet : {false, true}) {
-        sim().device().setUserInterfaceIdiom(tablet ? kit::UserInterfaceIdiom::Pad : kit::UserInterfaceIdiom::Phone);
+        sim().device().setUserInterfaceIdiom(tablet ? kit::UserInterfaceIdiom::Pad
+                                                    : kit::UserInterfaceIdiom::Phone);
         sim().screen().setBounds(tablet ? kit::Rect{0, 0, 1024, 768} : kit::Rect{0, 0, 480, 320});
         auto window = launch();
         auto vc = controller(*window);
@@ -79,13 +83,15 @@ TEST_F(SoundboardTest, SixteenTitledButtonsSitAboveTheBannerSlotInEveryIdiom) {
             EXPECT_LE(f.maxX(), window->bounds().maxX());
             for (size_t j = 0; j < i; ++j) {
                 kit::Rect g = vc->soundButton(j)->frame();
-                bool apart = f.maxX() <= g.minX() || g.maxX() <= f.minX() || f.maxY() <= g.minY() || g.maxY() <= f.minY();
+                bool apart = f.maxX() <= g.minX() || g.maxX() <= f.minX() || f.maxY() <= g.minY() ||
+                             g.maxY() <= f.minY();
                 EXPECT_TRUE(apart) << "buttons " << i + 1 << " and " << j + 1 << " overlap";
             }
             auto title = button->titleForState(kit::ControlState::Normal);
             ASSERT_TRUE(title);
             titles.insert(*title);
-            for (uint32_t state : {kit::ControlState::Highlighted, kit::ControlState::Disabled, kit::ControlState::Selected})
+            for (uint32_t state :
+                 {kit::ControlState::Highlighted, kit::ControlState::Disabled, kit::ControlState::Selected})
                 EXPECT_EQ(button->titleForState(state), title);
         }
         EXPECT_EQ(titles.size(), 16u) << "every button has its own title";

@@ -23,7 +23,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-fs::path scratch(const std::string& name) { return fs::temp_directory_path() / ("quiblo-it-" + name); }
+fs::path scratch(const std::string& name) {
+    return fs::temp_directory_path() / ("quiblo-it-" + name);
+}
 
 std::vector<int16_t> readSamples(const fs::path& path) {
     std::ifstream in(path, std::ios::binary);
@@ -41,7 +43,8 @@ double energy(const std::vector<int16_t>& samples) {
 
 // Runs the soundboard in this process, touching button `index` at each of `times` (seconds after
 // start), until `seconds` have passed; returns what the audio device played.
-std::vector<int16_t> playSession(size_t index, std::vector<double> times, double seconds, const std::string& name) {
+std::vector<int16_t> playSession(size_t index, std::vector<double> times, double seconds,
+                                 const std::string& name) {
     fs::path audio = scratch(name + ".raw");
     fs::remove(audio);
     setenv("SDL_AUDIODRIVER", "disk", 1);
@@ -74,7 +77,8 @@ class SoundboardQtTest : public qttest::QtApplicationTest {};
 TEST_F(SoundboardQtTest, ScreenshotShowsSixteenButtonsAboveAnEmptyBannerSlot) {
     fs::path shot = scratch("screen.png");
     fs::remove(shot);
-    std::string command = "cd '" + fs::path(QApplication::applicationDirPath().toStdString()).parent_path().string() +
+    std::string command = "cd '" +
+                          fs::path(QApplication::applicationDirPath().toStdString()).parent_path().string() +
                           "/app' && SDL_AUDIODRIVER=dummy QT_QPA_PLATFORM=offscreen ./quiblo --screenshot '" +
                           shot.string() + "' 2>/dev/null";
     ASSERT_EQ(std::system(command.c_str()), 0);

@@ -28,10 +28,8 @@ class ApplicationTest : public SimTest {
 protected:
     void SetUp() override {
         SimTest::SetUp();
-        kit::NotificationCenter::defaultCenter().addObserver(this, "", &Application::shared(),
-                                                             [this](const kit::Notification& n) {
-                                                                 log.push_back(n.name);
-                                                             });
+        kit::NotificationCenter::defaultCenter().addObserver(
+            this, "", &Application::shared(), [this](const kit::Notification& n) { log.push_back(n.name); });
     }
     Application& app() { return Application::shared(); }
     std::vector<std::string> log;
@@ -46,13 +44,20 @@ TEST_F(ApplicationTest, LifeCycleTellsTheDelegateThenPostsEachNotice) {
     app().becomeActive();
     app().terminate();
     EXPECT_EQ(log, (std::vector<std::string>{
-                       "delegate:launched", Application::kDidFinishLaunchingNotification,
-                       "delegate:active", Application::kDidBecomeActiveNotification,
-                       "delegate:resign", Application::kWillResignActiveNotification,
-                       "delegate:background", Application::kDidEnterBackgroundNotification,
-                       "delegate:foreground", Application::kWillEnterForegroundNotification,
-                       "delegate:active", Application::kDidBecomeActiveNotification,
-                       "delegate:terminate", Application::kWillTerminateNotification,
+                       "delegate:launched",
+                       Application::kDidFinishLaunchingNotification,
+                       "delegate:active",
+                       Application::kDidBecomeActiveNotification,
+                       "delegate:resign",
+                       Application::kWillResignActiveNotification,
+                       "delegate:background",
+                       Application::kDidEnterBackgroundNotification,
+                       "delegate:foreground",
+                       Application::kWillEnterForegroundNotification,
+                       "delegate:active",
+                       Application::kDidBecomeActiveNotification,
+                       "delegate:terminate",
+                       Application::kWillTerminateNotification,
                    }));
 }
 

@@ -91,7 +91,8 @@ class OwnCenter : public NotificationCenter {};
 
 TEST_F(NotificationCenterTest, CentersAreIndependentAndTheDefaultOneBelongsToThePlatform) {
     OwnCenter own;
-    NotificationCenter::defaultCenter().addObserver(&a, "n", nullptr, [&](const Notification&) { heard.push_back("default"); });
+    NotificationCenter::defaultCenter().addObserver(&a, "n", nullptr,
+                                                    [&](const Notification&) { heard.push_back("default"); });
     own.addObserver(&a, "n", nullptr, [&](const Notification&) { heard.push_back("own"); });
     own.post("n");
     EXPECT_EQ(heard, (std::vector<std::string>{"own"}));

@@ -60,9 +60,11 @@ TEST_F(RunLoopTest, ACallPostedWithZeroDelayRunsAfterCallsAlreadyDueAtTheSameTim
 TEST_F(RunLoopTest, CancelledCallsNeverRun) {
     int target = 0, other = 0;
     auto id = loop().postAfter(1, [&] { log.push_back("cancelled by id"); });
-    loop().postAfter(1, [&] { log.push_back("target 1"); }, &target);
+    loop().postAfter(
+        1, [&] { log.push_back("target 1"); }, &target);
     loop().post([&] { log.push_back("target 2"); }, &target);
-    loop().postAfter(1, [&] { log.push_back("other"); }, &other);
+    loop().postAfter(
+        1, [&] { log.push_back("other"); }, &other);
     EXPECT_TRUE(loop().cancel(id));
     EXPECT_FALSE(loop().cancel(id));
     EXPECT_EQ(loop().cancelCallsForTarget(&target), 2u);
@@ -139,7 +141,8 @@ TEST_F(RunLoopTest, InvokeOnMainAndWaitOnTheMainThreadRunsAtOnce) {
 
 TEST_F(RunLoopTest, PendingCallsShowWhatIsScheduled) {
     int target = 0;
-    loop().postAfter(2, [] {}, &target);
+    loop().postAfter(
+        2, [] {}, &target);
     loop().post([] {});
     auto pending = loop().pendingCalls();
     ASSERT_EQ(pending.size(), 2u);

@@ -89,7 +89,8 @@ TEST_F(UserDefaultsTest, AMissingFileIsAnEmptyStoreWithoutComplaint) {
 
 TEST_F(UserDefaultsTest, AFailedWriteReportsFalseWithOneLogLine) {
     // The settings folder's place is taken by a file, so nothing can be written there.
-    ASSERT_TRUE(kit::FileManager::defaultManager().writeAtomically(sim().folder() / "Config", "not a folder"));
+    ASSERT_TRUE(
+        kit::FileManager::defaultManager().writeAtomically(sim().folder() / "Config", "not a folder"));
     UserDefaults d(file());
     d.set("k", 1);
     kit::Log::Capture log;

@@ -22,7 +22,7 @@ namespace {
 
 // Journals "<name> will appear" and so on; "(a)" marks animated calls.
 class Screen : public ViewController {
-  public:
+public:
     Screen(std::string name, Journal& journal) : name_(std::move(name)), journal_(journal) {}
 
     void viewWillAppear(bool animated) override { note("will appear", animated); }
@@ -34,14 +34,14 @@ class Screen : public ViewController {
     }
     std::shared_ptr<ViewController> presenterWhileDisappearing;
 
-  protected:
+protected:
     void loadView() override {
         journal_.push_back(name_ + " load");
         setView(std::make_shared<View>(Rect{0, 0, 10, 10}));
     }
     void viewDidLoad() override { journal_.push_back(name_ + " did load"); }
 
-  private:
+private:
     void note(const char* what, bool animated) {
         journal_.push_back(name_ + " " + what + (animated ? " (a)" : ""));
     }
@@ -51,7 +51,7 @@ class Screen : public ViewController {
 };
 
 class ViewControllerTest : public SimTest {
-  protected:
+protected:
     void SetUp() override {
         SimTest::SetUp();
         window->setRootViewController(root);

@@ -24,7 +24,7 @@ constexpr const char* kChangeNames[] = {"frame", "hidden",     "alpha",   "stack
 
 // Journals "create 1", "frame 1", "destroy 1": views are named by their tags.
 class RecordingFactory : public kit::ViewPeerFactory {
-  public:
+public:
     Journal journal;
 
     std::unique_ptr<ViewPeer> createPeer(View& view) override {
@@ -36,9 +36,9 @@ class RecordingFactory : public kit::ViewPeerFactory {
     }
     Journal take() { return std::exchange(journal, {}); }
 
-  private:
+private:
     class Peer : public ViewPeer {
-      public:
+    public:
         Peer(View& view, Journal& journal) : view_(view), journal_(journal) {}
         ~Peer() override { journal_.push_back(fmt::format("destroy {}", view_.tag())); }
         void viewDidChange(Change change) override {
@@ -47,20 +47,20 @@ class RecordingFactory : public kit::ViewPeerFactory {
                                            duration > 0 ? fmt::format(" over {}", duration) : ""));
         }
 
-      private:
+    private:
         View& view_;
         Journal& journal_;
     };
 };
 
 class PeerPlatform : public kit::sim::SimPlatform {
-  public:
+public:
     RecordingFactory factory;
     kit::ViewPeerFactory* viewPeerFactory() override { return &factory; }
 };
 
 class ViewPeerTest : public ::testing::Test {
-  protected:
+protected:
     void SetUp() override {
         auto platform = std::make_unique<PeerPlatform>();
         factory = &platform->factory;

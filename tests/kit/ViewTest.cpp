@@ -30,7 +30,7 @@ int tagAt(View& root, Point p) {
 
 // Builds its content in its constructor, before anyone owns it.
 class Panel : public View {
-  public:
+public:
     Panel() : label(makeView({})) { addSubview(label); }
     std::shared_ptr<View> label;
 };

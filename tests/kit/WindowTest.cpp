@@ -23,7 +23,7 @@ namespace ControlEvent = kit::ControlEvent;
 namespace {
 
 class WindowTest : public SimTest {
-  protected:
+protected:
     void SetUp() override {
         SimTest::SetUp();
         window = std::make_shared<Window>(Rect{0, 0, 480, 320});
