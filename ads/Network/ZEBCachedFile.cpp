@@ -1,5 +1,6 @@
 #include "ads/Network/ZEBCachedFile.h"
 
+#include "ads/ThirdParty/KBLStringEncoding.h"
 #include "ads/Utility/ZEBNetworkUtilities.h"
 #include "kit/FileManager.h"
 #include "kit/Platform.h"
@@ -52,30 +53,6 @@ std::string folderNameForHost(const std::optional<std::string>& host) {
     return name;
 }
 
-bool isUtf8(std::string_view text) {
-    size_t i = 0;
-    while (i < text.size()) {
-        auto byte = [&](size_t k) { return static_cast<unsigned char>(text[k]); };
-        unsigned char lead = byte(i);
-        size_t length = lead < 0x80           ? 1
-                        : (lead >> 5) == 0x6  ? 2
-                        : (lead >> 4) == 0xE  ? 3
-                        : (lead >> 3) == 0x1E ? 4
-                                              : 0;
-        if (length == 0 || i + length > text.size()) return false;
-        uint32_t point = length == 1 ? lead : lead & (0x7F >> length);
-        for (size_t k = 1; k < length; ++k) {
-            if ((byte(i + k) & 0xC0) != 0x80) return false;
-            point = (point << 6) | (byte(i + k) & 0x3F);
-        }
-        static constexpr uint32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
-        if (point < kSmallest[length] || point > 0x10FFFF || (point >= 0xD800 && point <= 0xDFFF))
-            return false;
-        i += length;
-    }
-    return true;
-}
-
 }  // namespace
 
 ZEBCachedFile::ZEBCachedFile(std::weak_ptr<ZEBCachedFileDelegate> delegate, const kit::Url& url)
@@ -116,7 +93,7 @@ std::optional<std::string> ZEBCachedFile::content() const {
     const auto& path = filePath();
     if (!path) return std::nullopt;
     auto bytes = kit::FileManager::defaultManager().read(*path);
-    if (!bytes || !isUtf8(*bytes)) return std::nullopt;
+    if (!bytes || !KBLStringEncoding::isUtf8(*bytes)) return std::nullopt;
     return bytes;
 }
 

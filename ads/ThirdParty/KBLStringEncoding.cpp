@@ -138,39 +138,6 @@ struct Decode {
     }
 };
 
-bool isUtf8(std::string_view text) {
-    const auto* p = reinterpret_cast<const unsigned char*>(text.data());
-    const auto* end = p + text.size();
-    while (p != end) {
-        unsigned char lead = *p;
-        if (lead < 0x80) {
-            ++p;
-            continue;
-        }
-        int length;
-        unsigned char low = 0x80, high = 0xBF;
-        if (lead < 0xC2) return false;
-        if (lead < 0xE0) {
-            length = 2;
-        } else if (lead < 0xF0) {
-            length = 3;
-            if (lead == 0xE0) low = 0xA0;
-            if (lead == 0xED) high = 0x9F;
-        } else if (lead < 0xF5) {
-            length = 4;
-            if (lead == 0xF0) low = 0x90;
-            if (lead == 0xF4) high = 0x8F;
-        } else {
-            return false;
-        }
-        if (end - p < length || p[1] < low || p[1] > high) return false;
-        for (int i = 2; i < length; ++i)
-            if ((p[i] & 0xC0) != 0x80) return false;
-        p += length;
-    }
-    return true;
-}
-
 std::shared_ptr<KBLStringEncoding> make(std::string_view alphabet, char padding,
                                         std::string_view synonyms = {}) {
     auto encoding = KBLStringEncoding::stringEncodingWithString(alphabet);
@@ -283,6 +250,39 @@ std::optional<kit::Value::Data> KBLStringEncoding::decode(std::string_view text)
     if (!end) return std::nullopt;
     bytes.resize(static_cast<size_t>(end - bytes.data()));
     return bytes;
+}
+
+bool KBLStringEncoding::isUtf8(std::string_view text) {
+    const auto* p = reinterpret_cast<const unsigned char*>(text.data());
+    const auto* end = p + text.size();
+    while (p != end) {
+        unsigned char lead = *p;
+        if (lead < 0x80) {
+            ++p;
+            continue;
+        }
+        int length;
+        unsigned char low = 0x80, high = 0xBF;
+        if (lead < 0xC2) return false;
+        if (lead < 0xE0) {
+            length = 2;
+        } else if (lead < 0xF0) {
+            length = 3;
+            if (lead == 0xE0) low = 0xA0;
+            if (lead == 0xED) high = 0x9F;
+        } else if (lead < 0xF5) {
+            length = 4;
+            if (lead == 0xF0) low = 0x90;
+            if (lead == 0xF4) high = 0x8F;
+        } else {
+            return false;
+        }
+        if (end - p < length || p[1] < low || p[1] > high) return false;
+        for (int i = 2; i < length; ++i)
+            if ((p[i] & 0xC0) != 0x80) return false;
+        p += length;
+    }
+    return true;
 }
 
 std::optional<std::string> KBLStringEncoding::stringByDecoding(std::string_view text) const {

@@ -63,6 +63,8 @@ public:
     std::optional<kit::Value::Data> decode(std::string_view text) const;
     // The decoded bytes as text; none also when they are not UTF-8.
     std::optional<std::string> stringByDecoding(std::string_view text) const;
+    // Well-formed UTF-8: no overlong forms, surrogates or code points beyond U+10FFFF.
+    static bool isUtf8(std::string_view text);
 
     std::string description() const override;
 

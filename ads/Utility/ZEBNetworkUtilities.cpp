@@ -1,6 +1,6 @@
 #include "ads/Utility/ZEBNetworkUtilities.h"
 
-#include <cstdint>
+#include "ads/ThirdParty/KBLStringEncoding.h"
 
 namespace {
 
@@ -10,44 +10,9 @@ std::optional<std::string>& sharedUserAgent() {
 }
 
 // A decoded query part must be text: bytes that are not UTF-8 make the piece unreadable.
-bool isWellFormedUtf8(std::string_view bytes) {
-    size_t i = 0;
-    while (i < bytes.size()) {
-        auto lead = static_cast<uint8_t>(bytes[i]);
-        size_t length;
-        uint32_t point;
-        if (lead < 0x80) {
-            ++i;
-            continue;
-        } else if ((lead & 0xE0) == 0xC0) {
-            length = 2;
-            point = lead & 0x1F;
-        } else if ((lead & 0xF0) == 0xE0) {
-            length = 3;
-            point = lead & 0x0F;
-        } else if ((lead & 0xF8) == 0xF0) {
-            length = 4;
-            point = lead & 0x07;
-        } else {
-            return false;
-        }
-        if (i + length > bytes.size()) return false;
-        for (size_t k = 1; k < length; ++k) {
-            auto next = static_cast<uint8_t>(bytes[i + k]);
-            if ((next & 0xC0) != 0x80) return false;
-            point = (point << 6) | (next & 0x3F);
-        }
-        static constexpr uint32_t kShortest[] = {0, 0, 0x80, 0x800, 0x10000};
-        if (point < kShortest[length] || point > 0x10FFFF || (point >= 0xD800 && point <= 0xDFFF))
-            return false;
-        i += length;
-    }
-    return true;
-}
-
 std::optional<std::string> decodeQueryPart(std::string_view part) {
     std::optional<std::string> decoded = kit::Url::percentDecode(part);
-    if (!decoded || !isWellFormedUtf8(*decoded)) return std::nullopt;
+    if (!decoded || !KBLStringEncoding::isUtf8(*decoded)) return std::nullopt;
     return decoded;
 }
 

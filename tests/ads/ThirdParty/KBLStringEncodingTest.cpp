@@ -238,6 +238,18 @@ TEST(KBLStringEncoding, StringByDecodingNeedsUtf8) {
     EXPECT_FALSE(hex->stringByDecoding("zz"));
 }
 
+// The one UTF-8 check of the ad client: downloads and query strings rely on it as well.
+TEST(KBLStringEncoding, IsUtf8AtTheBoundaries) {
+    for (std::string_view good : {"", "a", "\x7f", "\xc2\x80", "\xdf\xbf", "\xe0\xa0\x80", "\xed\x9f\xbf",
+                                  "\xee\x80\x80", "\xf0\x90\x80\x80", "\xf4\x8f\xbf\xbf"})
+        EXPECT_TRUE(KBLStringEncoding::isUtf8(good)) << good.size();
+    // Overlong forms, surrogates, beyond U+10FFFF, stray and missing continuation bytes, bad leads.
+    for (std::string_view bad :
+         {"\xc0\x80", "\xc1\xbf", "\xe0\x9f\xbf", "\xed\xa0\x80", "\xf0\x8f\xbf\xbf", "\xf4\x90\x80\x80",
+          "\x80", "a\xc3", "\xe2\x82", "\xe2\x28\xa1", "\xf5\x80\x80\x80", "\xff"})
+        EXPECT_FALSE(KBLStringEncoding::isUtf8(bad)) << bad.size();
+}
+
 // Inputs that once broke decoding, kept as files: each alphabet decodes or refuses them cleanly, and
 // what decodes encodes to text that decodes to the same bytes.
 TEST(KBLStringEncoding, FuzzRegressions) {
