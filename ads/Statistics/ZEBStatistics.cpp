@@ -31,10 +31,6 @@ constexpr const char* kClickDate = "date";
 double now() {
     return kit::Platform::current().secondsSince1970();
 }
-
-bool endsWith(std::string_view text, std::string_view suffix) {
-    return text.size() >= suffix.size() && text.substr(text.size() - suffix.size()) == suffix;
-}
 }  // namespace
 
 ZEBStatistics& ZEBStatistics::sharedStatistics() {
@@ -189,7 +185,7 @@ kit::Url ZEBStatistics::urlForClick(const kit::Url& url) {
 void ZEBStatistics::addClickTrackingURL(const kit::Url& url) {
     std::optional<std::string> host = url.host();
     std::string path = url.path();
-    if (!host || !endsWith(*host, ZEBDeployment::current().adServerDomainSuffix) || path.size() < 5) return;
+    if (!host || !host->ends_with(ZEBDeployment::current().adServerDomainSuffix) || path.size() < 5) return;
     auto click = timingNamed(kZEBParameterPriorClickLatency);
     if (click) click->setValueForKey(path.substr(4), kZEBParameterPriorImpressionTicketString);
 }
