@@ -116,9 +116,8 @@ const std::string& ZEBIdentifierUtilities::locale() {
     return *locale_;
 }
 
-ZEBIdentifierUtilities::Size ZEBIdentifierUtilities::screenSize() const {
-    kit::Rect bounds = kit::Screen::main().bounds();
-    return {bounds.size.width, bounds.size.height};
+kit::Size ZEBIdentifierUtilities::screenSize() const {
+    return kit::Screen::main().bounds().size;
 }
 
 double ZEBIdentifierUtilities::screenDensity() const {
@@ -188,7 +187,7 @@ kit::Value::Map ZEBIdentifierUtilities::parameters() {
     p.set(kZEBParameterScreenOrientation, isOrientationLandscape() ? "l" : "p");
     p.set(kZEBParameterScreenDensity,
           ZEBNumberUtilities::stringWithFloat(static_cast<float>(screenDensity())));
-    Size size = screenSize();
+    kit::Size size = screenSize();
     p.set(kZEBParameterScreenWidth, ZEBNumberUtilities::stringWithFloat(static_cast<float>(size.width)));
     p.set(kZEBParameterScreenHeight, ZEBNumberUtilities::stringWithFloat(static_cast<float>(size.height)));
     static constexpr const char* kBooks = "itms-books://";

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kit/Geometry.h"
 #include "kit/Value.h"
 
 #include <filesystem>
@@ -44,11 +45,8 @@ public:
     // MD5 of the raw identifier, 32 upper-case hex digits.
     const std::string& deviceIdentifier();
     const std::string& locale();
-    struct Size {
-        double width = 0;
-        double height = 0;
-    };
-    Size screenSize() const;
+    // In points, of the main screen's bounds.
+    kit::Size screenSize() const;
     double screenDensity() const;
     bool isOrientationLandscape() const;
     // 1 speaker (also: no sound server, no route), 2 headphones or headset, 3 unnamed, 5 other.
