@@ -50,7 +50,9 @@ void ZEBClickTrackerCollection::track(const kit::Url& url) {
 void ZEBClickTrackerCollection::trackURLStringAppendSpamSignals(std::string_view urlString,
                                                                 bool appendSpamSignals) {
     std::optional<kit::Url> url = kit::Url::parse(urlString);
-    if (url && appendSpamSignals) url = ZEBStatistics::sharedStatistics().urlForClick(*url);
+    // A tracker without a URL would never report, and so never be let go.
+    if (!url) return;
+    if (appendSpamSignals) url = ZEBStatistics::sharedStatistics().urlForClick(*url);
     auto tracker = std::make_shared<ZEBClickTracker>();
     tracker->trackURL(url);
     tracker->setDelegate(std::static_pointer_cast<ZEBClickTrackerCollection>(shared_from_this()));

@@ -26,7 +26,8 @@ public:
     // Tracks every element that is a URL text; other elements are skipped.
     void trackURLs(const kit::Value::Array& list);
     void trackURLs(const std::vector<kit::Url>& list);
-    // With `appendSpamSignals`, the URL first gets the click parameters of the statistics.
+    // With `appendSpamSignals`, the URL first gets the click parameters of the statistics. A text
+    // that is no URL is skipped.
     void trackURLStringAppendSpamSignals(std::string_view urlString, bool appendSpamSignals);
 
     const std::set<std::shared_ptr<ZEBClickTracker>>& trackers() const { return trackers_; }

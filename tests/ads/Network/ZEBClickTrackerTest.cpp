@@ -206,6 +206,10 @@ TEST_F(ZEBClickTrackerTest, AClickUrlStringCanCarryTheClickParameters) {
     EXPECT_NE(http().sentRequests()[0].request.url().absoluteString(), "http://127.0.0.1:8480/aclk?ai=abc");
     EXPECT_EQ(http().sentRequests()[1].request.url().absoluteString(), "http://127.0.0.1:8480/aclk?ai=plain");
     EXPECT_TRUE(collection->trackers().empty());
+
+    // A creative's command may carry any text: one that is no URL leaves nothing behind to pile up.
+    collection->trackURLStringAppendSpamSignals("not a url", true);
+    EXPECT_TRUE(collection->trackers().empty());
 }
 
 TEST_F(ZEBClickTrackerTest, TheRefusalOfANonHttpRedirectIsAnAdClientError) {
