@@ -134,7 +134,6 @@ void UrlConnection::loaderDidReceiveResponse(const UrlResponse& response) {
         auto target = Url::parse(*response.allHeaderFields().value("Location"), current_.url());
         if (target) {
             if (++redirects_ > kMaximumRedirects) {
-                dropLoader();
                 loaderDidFail(UrlError::make(UrlError::kTooManyRedirects, current_.url().absoluteString()));
                 return;
             }
@@ -156,7 +155,7 @@ void UrlConnection::loaderDidReceiveResponse(const UrlResponse& response) {
 }
 
 void UrlConnection::loaderDidReceiveData(std::string_view data) {
-    if (!response_) return;  // the body of a redirect that is being followed
+    if (!response_) return;  // no body before a head
     auto self = retained(this);
     auto delegate = delegateOrCancel();
     if (!delegate) return;
@@ -166,9 +165,8 @@ void UrlConnection::loaderDidReceiveData(std::string_view data) {
 
 void UrlConnection::loaderDidFinish() {
     auto self = retained(this);
-    if (cacheBody_ && response_) {
-        UrlCache& cache = UrlCache::shared();
-        cache.storeCachedResponseForRequest(
+    if (cacheBody_) {
+        UrlCache::shared().storeCachedResponseForRequest(
             std::make_shared<CachedUrlResponse>(*response_, std::move(*cacheBody_)), current_);
     }
     auto delegate = delegate_.lock();

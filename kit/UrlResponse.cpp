@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <charconv>
 
 namespace kit {
 
@@ -14,15 +13,6 @@ UrlResponse::UrlResponse(Url url, int statusCode, HttpHeaders headers)
 
 UrlResponse UrlResponse::nonHttp(Url url) {
     return UrlResponse(std::move(url), 0, {}, false);
-}
-
-int64_t UrlResponse::expectedContentLength() const {
-    auto text = headers_.value("Content-Length");
-    if (!text) return -1;
-    int64_t length = -1;
-    auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), length);
-    if (error != std::errc() || end != text->data() + text->size() || length < 0) return -1;
-    return length;
 }
 
 std::string UrlResponse::mimeType() const {

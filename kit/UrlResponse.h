@@ -3,7 +3,6 @@
 #include "kit/HttpHeaders.h"
 #include "kit/Url.h"
 
-#include <cstdint>
 #include <string>
 
 namespace kit {
@@ -20,8 +19,6 @@ public:
     bool isHttp() const { return http_; }
     int statusCode() const { return status_; }
     const HttpHeaders& allHeaderFields() const { return headers_; }
-    // From "Content-Length"; -1 when unknown.
-    int64_t expectedContentLength() const;
     // "Content-Type" up to its parameters, in lower case; empty when absent.
     std::string mimeType() const;
 

@@ -49,10 +49,11 @@ bool WebView::canGoForward() const {
 
 void WebView::evaluateScript(const std::string& script, std::function<void(std::string)> completion) {
     if (!page_) return;
-    std::weak_ptr<bool> alive = alive_;
-    page_->evaluateScript(script, [alive, completion = std::move(completion)](std::string result) {
-        if (completion && !alive.expired()) completion(std::move(result));
-    });
+    // Scripts still running in the engine may answer after the view is gone.
+    page_->evaluateScript(script,
+                          [alive = weak_from_this(), completion = std::move(completion)](std::string result) {
+                              if (completion && !alive.expired()) completion(std::move(result));
+                          });
 }
 
 void WebView::setScalesPageToFit(bool scales) {

@@ -88,8 +88,6 @@ private:
     uint32_t dataDetectorTypes_ = DataDetectorTypes::PhoneNumber;
     bool allowsInlineMediaPlayback_ = false;
     bool mediaPlaybackRequiresUserAction_ = true;
-    // Dies with the view: completions of scripts still running in the engine check it.
-    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 
 }  // namespace kit

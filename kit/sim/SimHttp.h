@@ -51,7 +51,6 @@ public:
     void respond(const std::string& url, SimAnswer answer);
     // Answers in turn, the last one again for every later request.
     void respondInTurn(const std::string& url, std::vector<SimAnswer> answers);
-    void clearScripts() { scripts_.clear(); }
 
     const std::vector<SentRequest>& sentRequests() const { return sent_; }
     // How many requests went to this exact URL.

@@ -1,5 +1,6 @@
 #include "kit/sim/SimWebPage.h"
 
+#include "kit/Error.h"
 #include "kit/Platform.h"
 #include "kit/WebView.h"
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "kit/Error.h"
 #include "kit/RunLoop.h"
 #include "kit/WebPage.h"
 #include "kit/WebViewDelegate.h"
@@ -46,8 +45,7 @@ public:
     const std::vector<Load>& loads() const { return loads_; }
     // Every script evaluated, in order.
     const std::vector<std::string>& scripts() const { return scripts_; }
-    void clearScripts() { scripts_.clear(); }
-    // The main frame's history and where the page is in it.
+    // The main frame's history, oldest first.
     const std::vector<Url>& history() const { return history_; }
 
     // ---- WebPage
