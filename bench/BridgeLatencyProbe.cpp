@@ -4,6 +4,7 @@
 // Cold is the first web view of the process: the engine, its helper processes and the first
 // renderer start on the way. Warm repeats the load with the engine running, in a fresh web view each
 // time (as each ad gets one) and reloading one web view. Prints the median and the spread.
+#include "bench/Percentile.h"
 #include "kit/RunLoop.h"
 #include "kit/WebView.h"
 #include "kit/qt/QtPlatform.h"
@@ -67,16 +68,10 @@ std::optional<double> timeLoad(kit::WebView& view, BridgeDelegate& delegate, int
     return std::chrono::duration<double, std::milli>(*delegate.answeredAt - loadedAt).count();
 }
 
-double percentile(std::vector<double> values, double p) {
-    std::sort(values.begin(), values.end());
-    size_t index = static_cast<size_t>(p * static_cast<double>(values.size() - 1) + 0.5);
-    return values[index];
-}
-
 void report(const char* what, const std::vector<double>& latencies) {
     std::printf("%s: median %.2f ms, 10th-90th percentile %.2f-%.2f ms (min %.2f, max %.2f, n %zu)\n", what,
-                percentile(latencies, 0.5), percentile(latencies, 0.1), percentile(latencies, 0.9),
-                *std::min_element(latencies.begin(), latencies.end()),
+                bench::percentile(latencies, 0.5), bench::percentile(latencies, 0.1),
+                bench::percentile(latencies, 0.9), *std::min_element(latencies.begin(), latencies.end()),
                 *std::max_element(latencies.begin(), latencies.end()), latencies.size());
 }
 

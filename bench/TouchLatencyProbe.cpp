@@ -5,6 +5,7 @@
 // The audio device is the machine's own; where there is none, SDL's dummy driver paces the
 // callbacks as a device would. The floor is one buffer: 256 frames at 44.1 kHz, 5.8 ms.
 #include "app/ViewController.h"
+#include "bench/Percentile.h"
 #include "kit/ClassRegistry.h"
 #include "kit/InterfaceFile.h"
 #include "kit/RunLoop.h"
@@ -40,12 +41,6 @@ void afterMix(void*, Uint8* stream, int length) {
             return;
         }
     }
-}
-
-double percentile(std::vector<double> values, double p) {
-    std::sort(values.begin(), values.end());
-    size_t index = static_cast<size_t>(p * static_cast<double>(values.size() - 1) + 0.5);
-    return values[index];
 }
 
 }  // namespace
@@ -110,7 +105,7 @@ int main(int argc, char** argv) {
     }
     std::printf("touches heard: %zu of %d\n", latencies.size(), kTouches);
     std::printf("touch-to-sound latency: median %.2f ms, 95th percentile %.2f ms (min %.2f, max %.2f)\n",
-                percentile(latencies, 0.5), percentile(latencies, 0.95),
+                bench::percentile(latencies, 0.5), bench::percentile(latencies, 0.95),
                 *std::min_element(latencies.begin(), latencies.end()),
                 *std::max_element(latencies.begin(), latencies.end()));
     std::printf("floor: one buffer of 256 frames at 44.1 kHz = 5.80 ms\n");

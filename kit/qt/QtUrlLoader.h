@@ -2,7 +2,6 @@
 
 #include "kit/UrlLoader.h"
 
-#include <QByteArray>
 #include <QPointer>
 
 #include <deque>

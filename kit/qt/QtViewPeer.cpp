@@ -13,10 +13,6 @@
 namespace kit::qt {
 
 namespace {
-QColor toQColor(Color c) {
-    return QColor::fromRgbF(float(c.red), float(c.green), float(c.blue), float(c.alpha));
-}
-
 // Decoded images by the image they come from; entries go when the image does.
 std::map<const Image*, std::pair<std::weak_ptr<const Object>, QImage>>& imageCache() {
     static std::map<const Image*, std::pair<std::weak_ptr<const Object>, QImage>> cache;
@@ -81,6 +77,10 @@ double QtViewPeer::effectiveAlpha() const {
     double alpha = 1;
     for (const View* v = &view_; v; v = v->superview().get()) alpha *= v->alpha();
     return alpha;
+}
+
+QColor QtViewPeer::toQColor(Color c) {
+    return QColor::fromRgbF(float(c.red), float(c.green), float(c.blue), float(c.alpha));
 }
 
 QImage QtViewPeer::toQImage(const Image& image) {

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "kit/Color.h"
 #include "kit/ViewPeer.h"
 
+#include <QColor>
 #include <QImage>
 #include <QWidget>
 
@@ -28,6 +30,7 @@ public:
 
     // Decoded once per image and kept while the image lives.
     static QImage toQImage(const Image& image);
+    static QColor toQColor(Color color);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -32,22 +32,17 @@ void QtWebViewPeer::viewDidChange(Change change) {
 
 // A clear web view lets its superview show through the page's own background.
 void QtWebViewPeer::showBackground() {
-    Color c = webView_.backgroundColor();
-    if (auto* page = engineView_->page())
-        page->setBackgroundColor(
-            QColor::fromRgbF(float(c.red), float(c.green), float(c.blue), float(c.alpha)));
+    if (auto* page = engineView_->page()) page->setBackgroundColor(toQColor(webView_.backgroundColor()));
 }
 
 QtWebViewPeer* QtWebViewPeer::pageAt(Window& window, QPointF point) {
     RunLoop::Turn turn;
     const Event event{EventType::Touches, RunLoop::main().now()};
     auto hit = window.hitTest({point.x(), point.y()}, &event);
-    auto* peer =
-        hit && dynamic_cast<WebView*>(hit.get()) ? dynamic_cast<QtWebViewPeer*>(hit->peer()) : nullptr;
-    if (peer) {
-        if (auto* page = dynamic_cast<QtWebPage*>(static_cast<WebView*>(hit.get())->page()))
-            page->userDidTouch();
-    }
+    auto* webView = dynamic_cast<WebView*>(hit.get());
+    auto* peer = webView ? dynamic_cast<QtWebViewPeer*>(webView->peer()) : nullptr;
+    if (!peer) return nullptr;
+    if (auto* page = dynamic_cast<QtWebPage*>(webView->page())) page->userDidTouch();
     return peer;
 }
 

@@ -5,20 +5,17 @@
 #include "kit/FileManager.h"
 #include "kit/RunLoop.h"
 #include "kit/UrlError.h"
-#include "kit/qt/QtPlatform.h"
+#include "tests/integration/support/LoopbackServer.h"
+#include "tests/integration/support/QtTestApplication.h"
 #include "tests/support/ReadOnlyFolder.h"
 
-#include <QApplication>
-
 #include <gtest/gtest.h>
-#include <httplib.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
-#include <mutex>
-#include <thread>
 
 namespace fs = std::filesystem;
 
@@ -27,47 +24,6 @@ namespace {
 kit::Url url(const std::string& text) {
     return *kit::Url::parse(text);
 }
-
-// A server on a free loopback port, in a thread of its own, counting what reaches it.
-class LoopbackServer {
-public:
-    LoopbackServer() {
-        server_.set_logger([this](const httplib::Request& request, const httplib::Response&) {
-            std::lock_guard<std::mutex> lock(mutex_);
-            ++hits_;
-            lastIfModifiedSince_ = request.get_header_value("If-Modified-Since");
-        });
-        // Bound and listening from here on: connections wait in the backlog until the thread accepts.
-        port_ = server_.bind_to_any_port("127.0.0.1");
-        thread_ = std::thread([this] { server_.listen_after_bind(); });
-    }
-    ~LoopbackServer() { stop(); }
-    void stop() {
-        server_.stop();
-        if (thread_.joinable()) thread_.join();
-    }
-
-    httplib::Server& server() { return server_; }
-    std::string url(const std::string& path) const {
-        return "http://127.0.0.1:" + std::to_string(port_) + path;
-    }
-    int hits() {
-        std::lock_guard<std::mutex> lock(mutex_);
-        return hits_;
-    }
-    std::string lastIfModifiedSince() {
-        std::lock_guard<std::mutex> lock(mutex_);
-        return lastIfModifiedSince_;
-    }
-
-private:
-    httplib::Server server_;
-    int port_ = 0;
-    std::thread thread_;
-    std::mutex mutex_;
-    int hits_ = 0;
-    std::string lastIfModifiedSince_;
-};
 
 class Listener : public ZEBCachedFileDelegate, public ZEBClickTrackerDelegate {
 public:
@@ -102,24 +58,18 @@ std::string httpDateNow() {
 
 }  // namespace
 
-class NetworkQtTest : public ::testing::Test {
+class NetworkQtTest : public qttest::QtPlatformTest {
 protected:
-    static void SetUpTestSuite() {
-        static int argc = 1;
-        static char name[] = "integration_tests";
-        static char* argv[] = {name, nullptr};
-        if (!QApplication::instance()) new QApplication(argc, argv);
-    }
     void SetUp() override {
         home_ = fs::temp_directory_path() / ("quiblo-net-" + std::to_string(::getpid()));
         fs::remove_all(home_);
         fs::create_directories(home_);
         setenv("XDG_CACHE_HOME", (home_ / "cache").c_str(), 1);
-        kit::Platform::install(std::make_unique<kit::qt::QtPlatform>(kit::UserInterfaceIdiom::Phone));
+        QtPlatformTest::SetUp();
     }
     void TearDown() override {
         ZEBStatistics::releaseSharedStatistics();
-        kit::Platform::uninstall();
+        QtPlatformTest::TearDown();
         fs::remove_all(home_);
     }
 
@@ -146,7 +96,7 @@ protected:
     }
 
     fs::path home_;
-    LoopbackServer server;
+    qttest::LoopbackServer server;
     std::shared_ptr<Listener> listener = std::make_shared<Listener>();
 };
 
@@ -171,7 +121,7 @@ TEST_F(NetworkQtTest, RevalidatesWithLastModifiedAndKeepsTheFileOn304) {
     EXPECT_EQ(listener->ends, 2);
     EXPECT_EQ(file->httpStatusCode(), 304);
     EXPECT_EQ(server.hits(), 2);
-    EXPECT_EQ(server.lastIfModifiedSince(), "Tue, 15 Nov 2011 12:45:26");
+    EXPECT_EQ(server.lastHeader("If-Modified-Since"), "Tue, 15 Nov 2011 12:45:26");
     EXPECT_EQ(file->content(), "function QUOR_buildAdURL(p) { return p; }");
 }
 

@@ -1,6 +1,7 @@
 // The kit web view on the real engine, offscreen.
 #include "kit/WebView.h"
 #include "kit/Window.h"
+#include "tests/integration/support/LoopbackServer.h"
 #include "tests/integration/support/WebTestSupport.h"
 
 #include <gtest/gtest.h>
@@ -120,7 +121,7 @@ TEST_F(WebViewQtTest, ScriptResultsComeBackAsText) {
 }
 
 TEST_F(WebViewQtTest, AStringPageFetchesFromItsBaseUrlOnALoopbackServer) {
-    webtest::LoopbackServer server;
+    qttest::LoopbackServer server;
     std::atomic<int> fetched{0};
     server.server().Get("/creative/bridge.js", [&](const httplib::Request&, httplib::Response& response) {
         ++fetched;

@@ -1,7 +1,7 @@
 #pragma once
 
-// What the web view's integration tests share: a loopback HTTP server, and running the real run
-// loop until something happened.
+// What the web view's integration tests share: running the real run loop until something happened,
+// and clicks as the window system sends them.
 #include "kit/RunLoop.h"
 #include "kit/Window.h"
 #include "tests/integration/support/QtTestApplication.h"
@@ -10,11 +10,8 @@
 #include <QMouseEvent>
 #include <QWidget>
 
-#include <httplib.h>
-
 #include <functional>
 #include <string>
-#include <thread>
 
 namespace webtest {
 
@@ -49,29 +46,5 @@ inline void click(kit::Window& window, double x, double y) {
                         Qt::NoModifier);
     QApplication::sendEvent(widget, &release);
 }
-
-// An HTTP server on a loopback port of its own, serving on its own thread until it goes.
-class LoopbackServer {
-public:
-    LoopbackServer() {
-        // Idle keep-alive connections end soon, so that stopping does not wait on them.
-        server_.set_keep_alive_timeout(0);
-        port_ = server_.bind_to_any_port("127.0.0.1");
-        thread_ = std::thread([this] { server_.listen_after_bind(); });
-    }
-    ~LoopbackServer() {
-        server_.stop();
-        thread_.join();
-    }
-    httplib::Server& server() { return server_; }
-    std::string url(const std::string& path) const {
-        return "http://127.0.0.1:" + std::to_string(port_) + path;
-    }
-
-private:
-    httplib::Server server_;
-    int port_ = 0;
-    std::thread thread_;
-};
 
 }  // namespace webtest
