@@ -54,7 +54,6 @@ public:
     SimApplication& simApplication() { return *application_; }
     SimSoundService& sounds() { return sound_; }
     const std::filesystem::path& folder() const { return folder_; }
-    Bundle& bundle() { return bundle_; }
     // Scripted HTTP answers and the log of requests sent.
     SimHttp& http() { return http_; }
     SimAudioSession& simAudioSession() { return audio_; }

@@ -16,7 +16,7 @@ protected:
     void SetUp() override {
         SimTest::SetUp();
         resetShared();
-        sim().bundle().setInfoDictionary({{"CFBundleVersion", "1.0"},
+        sim().mainBundle().setInfoDictionary({{"CFBundleVersion", "1.0"},
                                           {"CFBundleIdentifier", "org.quiblo.soundboard"},
                                           {"DTPlatformName", "linux"},
                                           {"DTSDKName", "linux6.1"}});

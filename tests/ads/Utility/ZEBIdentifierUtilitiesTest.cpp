@@ -86,13 +86,13 @@ TEST_F(ZEBIdentifierUtilitiesTest, BookStoreCapabilitiesFollowWhatOpens) {
 TEST_F(ZEBIdentifierUtilitiesTest, BundleInformationGivesSdkAndApplicationName) {
     EXPECT_EQ(ids().baseSdkVersion(), "6.1");
     ZEBIdentifierUtilities::reset();
-    sim().bundle().setInfoDictionary(
+    sim().mainBundle().setInfoDictionary(
         {{"DTSDKName", "iphoneos4.3"}, {"DTPlatformName", "iphoneos"}, {"CFBundleIdentifier", "a.b"}});
     EXPECT_EQ(ids().baseSdkVersion(), "4.3");
     Value::Map p = ids().parameters();
     EXPECT_EQ(*p.find("app_name"), Value("iphone.a.b")) << "no version, no leading point";
     ZEBIdentifierUtilities::reset();
-    sim().bundle().setInfoDictionary({{"DTSDKName", 43}});
+    sim().mainBundle().setInfoDictionary({{"DTSDKName", 43}});
     EXPECT_EQ(ids().baseSdkVersion(), std::nullopt);
     EXPECT_FALSE(ids().parameters().contains("ios_base_sdk"));
 }
