@@ -23,6 +23,8 @@ public:
         // Bound and listening from here on: connections wait in the backlog until the thread accepts.
         port_ = server_.bind_to_any_port("127.0.0.1");
         thread_ = std::thread([this] { server_.listen_after_bind(); });
+        // A stop before the thread is listening would be missed and leave the join waiting for ever.
+        while (port_ > 0 && !server_.is_running()) std::this_thread::yield();
     }
     ~LoopbackServer() { stop(); }
     LoopbackServer(const LoopbackServer&) = delete;
