@@ -25,9 +25,8 @@ void SoundButton::setupButton() {
     layer().setMasksToBounds(true);
     layer().setBorderWidth(1.0);
     // On touch-down, so the sound starts as the finger lands rather than when it lifts. The
-    // action belongs to this button and never outlives it.
-    addTargetActionForControlEvents(
-        this, [this](kit::Control&) { playSound(); }, kit::ControlEvent::TouchDown);
+    // action is the button's own and never outlives it.
+    addActionForControlEvents([this](kit::Control&) { playSound(); }, kit::ControlEvent::TouchDown);
 }
 
 void SoundButton::setTitle(const std::string& title) {

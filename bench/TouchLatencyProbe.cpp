@@ -11,6 +11,7 @@
 #include "kit/RunLoop.h"
 #include "kit/Window.h"
 #include "kit/qt/QtPlatform.h"
+#include "kit/port/PortKey.h"
 
 #include <QApplication>
 
@@ -79,8 +80,8 @@ int main(int argc, char** argv) {
                 heardAt = 0;
                 armed = true;
                 auto touchedAt = Clock::now();
-                window->touchDown(centre);
-                window->touchUp(centre);
+                window->touchDown(kit::PortKey{}, centre);
+                window->touchUp(kit::PortKey{}, centre);
                 kit::RunLoop::main().postAfter(0.1, [&, remaining, touchedAt] {
                     if (!armed.load() && heardAt.load() != 0) {
                         auto heard = Clock::time_point(Clock::duration(heardAt.load()));

@@ -10,7 +10,7 @@ void check(bool condition) {
     if (!condition) std::abort();
 }
 
-void checkError(const std::shared_ptr<kit::Error>& error) {
+void checkError(const std::shared_ptr<const kit::Error>& error) {
     check(error != nullptr);
     check(error->domain() == ZEBJSON::kErrorDomain);
     check(error->code() >= 1 && error->code() <= 12);
@@ -22,7 +22,7 @@ void checkError(const std::shared_ptr<kit::Error>& error) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::string_view text(reinterpret_cast<const char*>(data), size);
     ZEBJSON json;
-    std::shared_ptr<kit::Error> error;
+    std::shared_ptr<const kit::Error> error;
     auto fragment = json.fragmentWithStringError(text, &error);
     if (!fragment) checkError(error);
     auto object = json.objectWithStringError(text, &error);

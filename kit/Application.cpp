@@ -1,7 +1,8 @@
 #include "kit/Application.h"
 
 #include "kit/NotificationCenter.h"
-#include "kit/Platform.h"
+#include "kit/port/Platform.h"
+#include "kit/port/PortKey.h"
 
 #include <vector>
 
@@ -20,45 +21,45 @@ void Application::post(const char* name) {
     NotificationCenter::defaultCenter().post(name, this);
 }
 
-void Application::finishLaunching(const Value::Map& options) {
+void Application::finishLaunching(const PortKey& key, const Value::Map& options) {
     if (launched_) return;
     launched_ = true;
     if (auto d = delegate_) d->applicationDidFinishLaunching(*this, options);
     post(kDidFinishLaunchingNotification);
-    becomeActive();
+    becomeActive(key);
 }
 
-void Application::resignActive() {
+void Application::resignActive(const PortKey&) {
     if (state_ != ApplicationState::Active) return;
     if (auto d = delegate_) d->applicationWillResignActive(*this);
     post(kWillResignActiveNotification);
     state_ = ApplicationState::Inactive;
 }
 
-void Application::enterBackground() {
+void Application::enterBackground(const PortKey& key) {
     if (state_ == ApplicationState::Background) return;
-    resignActive();
+    resignActive(key);
     state_ = ApplicationState::Background;
     if (auto d = delegate_) d->applicationDidEnterBackground(*this);
     post(kDidEnterBackgroundNotification);
 }
 
-void Application::enterForeground() {
+void Application::enterForeground(const PortKey&) {
     if (state_ != ApplicationState::Background) return;
     if (auto d = delegate_) d->applicationWillEnterForeground(*this);
     post(kWillEnterForegroundNotification);
     state_ = ApplicationState::Inactive;
 }
 
-void Application::becomeActive() {
+void Application::becomeActive(const PortKey& key) {
     if (state_ == ApplicationState::Active) return;
-    enterForeground();
+    enterForeground(key);
     state_ = ApplicationState::Active;
     if (auto d = delegate_) d->applicationDidBecomeActive(*this);
     post(kDidBecomeActiveNotification);
 }
 
-void Application::terminate() {
+void Application::terminate(const PortKey&) {
     if (terminated_) return;
     terminated_ = true;
     if (auto d = delegate_) d->applicationWillTerminate(*this);
@@ -85,7 +86,7 @@ void Application::endBackgroundTask(BackgroundTaskId task) {
     backgroundTasks_.erase(task);
 }
 
-void Application::expireBackgroundTasks() {
+void Application::expireBackgroundTasks(const PortKey&) {
     // Handlers end their tasks (or not); either way every task that was open has expired.
     auto expiring = std::move(backgroundTasks_);
     backgroundTasks_.clear();

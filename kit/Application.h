@@ -26,6 +26,7 @@ inline bool isLandscape(int o) {
 }  // namespace InterfaceOrientation
 
 class Application;
+class PortKey;
 class Window;
 
 // What the application's delegate hears; every method is optional. The delegate is made by class
@@ -71,14 +72,14 @@ public:
     ApplicationDelegate* delegate() const { return delegate_.get(); }
     void setDelegate(std::shared_ptr<ApplicationDelegate> delegate) { delegate_ = std::move(delegate); }
 
-    // State changes. Launching ends active; each call does nothing when it does not apply
+    // ---- For ports: state changes. Launching ends active; each call does nothing when it does not apply
     // (resignActive when not active, and so on).
-    void finishLaunching(const Value::Map& options = {});
-    void resignActive();
-    void enterBackground();
-    void enterForeground();
-    void becomeActive();
-    void terminate();
+    void finishLaunching(const PortKey&, const Value::Map& options = {});
+    void resignActive(const PortKey&);
+    void enterBackground(const PortKey&);
+    void enterForeground(const PortKey&);
+    void becomeActive(const PortKey&);
+    void terminate(const PortKey&);
     bool hasFinishedLaunching() const { return launched_; }
 
     bool isStatusBarHidden() const { return statusBarHidden_; }
@@ -105,7 +106,7 @@ public:
     BackgroundTaskId beginBackgroundTask(std::function<void()> expirationHandler);
     void endBackgroundTask(BackgroundTaskId task);
     size_t openBackgroundTaskCount() const { return backgroundTasks_.size(); }
-    void expireBackgroundTasks();
+    void expireBackgroundTasks(const PortKey&);
 
 protected:
     // The port turns the idle timer on or off for real.

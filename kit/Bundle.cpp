@@ -1,6 +1,6 @@
 #include "kit/Bundle.h"
 
-#include "kit/Platform.h"
+#include "kit/port/Platform.h"
 #include "kit/PropertyList.h"
 
 namespace kit {
@@ -9,7 +9,7 @@ Bundle& Bundle::main() {
     return Platform::current().mainBundle();
 }
 
-void Bundle::loadInfoDictionary(const std::filesystem::path& file) {
+void Bundle::loadInfoDictionary(const PortKey&, const std::filesystem::path& file) {
     std::optional<Value> list = PropertyList::readFile(file);
     info_ = list && list->isMap() ? std::move(*list->map()) : Value::Map{};
 }

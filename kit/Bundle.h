@@ -7,6 +7,8 @@
 
 namespace kit {
 
+class PortKey;
+
 // The application's bundle: its information map ("CFBundleIdentifier", "CFBundleVersion", the
 // platform and SDK it was built for). The real port reads the map from "Info.plist" among the
 // resources, written at build time; tests set it.
@@ -16,11 +18,11 @@ public:
 
     const Value::Map& infoDictionary() const { return info_; }
     const Value* objectForInfoDictionaryKey(std::string_view key) const { return info_.find(key); }
-    void setInfoDictionary(Value::Map info) { info_ = std::move(info); }
+    void setInfoDictionary(const PortKey&, Value::Map info) { info_ = std::move(info); }
 
     // Reads the map from a property-list file; a missing or unreadable file, or one that holds no
     // map, leaves the map empty.
-    void loadInfoDictionary(const std::filesystem::path& file);
+    void loadInfoDictionary(const PortKey&, const std::filesystem::path& file);
 
 private:
     Value::Map info_;

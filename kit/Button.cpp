@@ -26,7 +26,7 @@ void Button::setTitleForState(std::optional<std::string> title, uint32_t state) 
     } else {
         titles_.erase(state);
     }
-    notifyPeer(ViewPeer::Change::Content);
+    notifyPeer(ViewChange::Content);
 }
 
 std::optional<std::string> Button::titleForState(uint32_t state) const {
@@ -39,7 +39,7 @@ void Button::setTitleColorForState(std::optional<Color> color, uint32_t state) {
     } else {
         titleColors_.erase(state);
     }
-    notifyPeer(ViewPeer::Change::Content);
+    notifyPeer(ViewChange::Content);
 }
 
 std::optional<Color> Button::titleColorForState(uint32_t state) const {
@@ -52,7 +52,7 @@ void Button::setImageForState(std::shared_ptr<Image> image, uint32_t state) {
     } else {
         images_.erase(state);
     }
-    notifyPeer(ViewPeer::Change::Content);
+    notifyPeer(ViewChange::Content);
 }
 
 std::shared_ptr<Image> Button::imageForState(uint32_t state) const {
@@ -67,7 +67,7 @@ Color Button::currentTitleColor() const {
 void Button::setShowsTouchWhenHighlighted(bool shows) {
     if (showsTouchWhenHighlighted_ == shows) return;
     showsTouchWhenHighlighted_ = shows;
-    notifyPeer(ViewPeer::Change::Content);
+    notifyPeer(ViewChange::Content);
 }
 
 }  // namespace kit

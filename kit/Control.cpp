@@ -35,23 +35,43 @@ uint32_t Control::state() const {
 }
 
 void Control::stateDidChange() {
-    notifyPeer(ViewPeer::Change::Content);
+    notifyPeer(ViewChange::Content);
 }
 
-void Control::addTargetActionForControlEvents(const void* target, Action action, uint32_t events) {
+void Control::addRegistration(std::weak_ptr<const void> target, Action action, uint32_t events) {
     if (!action || events == 0) return;
-    registrations_.push_back(std::make_shared<Registration>(Registration{target, std::move(action), events}));
+    registrations_.push_back(
+        std::make_shared<Registration>(Registration{std::move(target), std::move(action), events}));
 }
 
-void Control::removeTargetForControlEvents(const void* target, uint32_t events) {
+void Control::addActionForControlEvents(Action action, uint32_t events) {
+    addRegistration({}, std::move(action), events);
+}
+
+namespace {
+// Whether two weak references name the same owner (also once it has gone).
+bool sameOwner(const std::weak_ptr<const void>& a, const std::weak_ptr<const void>& b) {
+    return !a.owner_before(b) && !b.owner_before(a);
+}
+
+template <class Registration>
+bool targetHasGone(const Registration& registration) {
+    return !sameOwner(registration.target, {}) && registration.target.expired();
+}
+}  // namespace
+
+void Control::removeTargetForControlEvents(const std::weak_ptr<const void>& target, uint32_t events) {
+    const bool everyone = sameOwner(target, {});
     for (auto& registration : registrations_) {
-        if (!target || registration->target == target) registration->events &= ~events;
+        if (everyone || sameOwner(registration->target, target)) registration->events &= ~events;
     }
     std::erase_if(registrations_, [](const auto& registration) { return registration->events == 0; });
 }
 
 void Control::sendActionsForControlEvents(uint32_t events) {
-    auto keep = shared_from_this();  // an action may release the control
+    auto keep = retained(this);  // an action may release the control
+    // Targets that have gone take their registrations with them.
+    std::erase_if(registrations_, [](const auto& registration) { return targetHasGone(*registration); });
     // Actions may add or remove registrations; a removed one has no events left by its turn.
     auto registrations = registrations_;
     for (auto& registration : registrations) {
@@ -61,7 +81,8 @@ void Control::sendActionsForControlEvents(uint32_t events) {
 
 uint32_t Control::allControlEvents() const {
     uint32_t events = 0;
-    for (const auto& registration : registrations_) events |= registration->events;
+    for (const auto& registration : registrations_)
+        if (!targetHasGone(*registration)) events |= registration->events;
     return events;
 }
 

@@ -52,12 +52,21 @@ public:
     // The ControlState bits of the three flags above.
     uint32_t state() const;
 
-    // Registers `action` for each of `events`. `target` only names the registration for removal
-    // (it may be null and is never dereferenced); the action owns what it captures, so it should
+    // Calls `action` on `target` for each of `events`. The registration does not keep the target:
+    // once it is gone its actions are skipped and dropped.
+    template <class T>
+    void addTargetActionForControlEvents(const std::shared_ptr<T>& target, void (T::*action)(Control& sender),
+                                         uint32_t events) {
+        std::weak_ptr<T> weak = target;
+        addRegistration(weak, [weak, action](Control& sender) {
+            if (auto receiver = weak.lock()) (receiver.get()->*action)(sender);
+        }, events);
+    }
+    // An action of the control's own, with no target; it owns what it captures, so it should
     // capture weakly what may go away before the control.
-    void addTargetActionForControlEvents(const void* target, Action action, uint32_t events);
-    // Takes `events` off the registrations of `target` (of every target when null).
-    void removeTargetForControlEvents(const void* target, uint32_t events);
+    void addActionForControlEvents(Action action, uint32_t events);
+    // Takes `events` off the registrations of `target`; an empty `target` means every registration.
+    void removeTargetForControlEvents(const std::weak_ptr<const void>& target, uint32_t events);
     // Runs, in the order they were added, the actions registered for any of `events`; each once.
     // An action removed by an earlier one does not run.
     void sendActionsForControlEvents(uint32_t events);
@@ -79,10 +88,11 @@ protected:
 
 private:
     struct Registration {
-        const void* target;
+        std::weak_ptr<const void> target;
         Action action;
         uint32_t events;
     };
+    void addRegistration(std::weak_ptr<const void> target, Action action, uint32_t events);
 
     std::vector<std::shared_ptr<Registration>> registrations_;
     bool enabled_ = true;

@@ -1,6 +1,6 @@
 #include "kit/Device.h"
 
-#include "kit/Platform.h"
+#include "kit/port/Platform.h"
 
 #include <algorithm>
 #include <string_view>

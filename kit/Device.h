@@ -6,6 +6,8 @@
 
 namespace kit {
 
+class PortKey;
+
 enum class UserInterfaceIdiom { Phone = 0, Pad = 1 };
 
 // What the device says about itself. The port fills it in at start-up (the Qt port from the real
@@ -29,20 +31,20 @@ public:
     // Whether the application runs with the machine's full privileges (on Linux: as root).
     bool isSuperuser() const { return superuser_; }
 
-    void setUserInterfaceIdiom(std::optional<UserInterfaceIdiom> idiom) { idiom_ = idiom; }
-    void setModel(std::string v) { model_ = std::move(v); }
-    void setSystemName(std::string v) { systemName_ = std::move(v); }
-    void setSystemVersion(std::string v) { systemVersion_ = std::move(v); }
-    void setUniqueIdentifier(std::string v) { uniqueIdentifier_ = std::move(v); }
-    void setMachine(std::string v) { machine_ = std::move(v); }
-    void setName(std::string v) { name_ = std::move(v); }
+    void setUserInterfaceIdiom(const PortKey&, std::optional<UserInterfaceIdiom> idiom) { idiom_ = idiom; }
+    void setModel(const PortKey&, std::string v) { model_ = std::move(v); }
+    void setSystemName(const PortKey&, std::string v) { systemName_ = std::move(v); }
+    void setSystemVersion(const PortKey&, std::string v) { systemVersion_ = std::move(v); }
+    void setUniqueIdentifier(const PortKey&, std::string v) { uniqueIdentifier_ = std::move(v); }
+    void setMachine(const PortKey&, std::string v) { machine_ = std::move(v); }
+    void setName(const PortKey&, std::string v) { name_ = std::move(v); }
     // The languages that the locale variables name, as language tags: LANGUAGE's list ("de_DE:en")
     // first, else the first set of LC_ALL, LC_MESSAGES and LANG ("pt_BR.UTF-8" gives "pt-BR").
     // The untranslated "C" and "POSIX" locales count as English.
     static std::vector<std::string> languagesFromLocaleVariables(const char* language, const char* lcAll,
                                                                  const char* lcMessages, const char* lang);
-    void setPreferredLanguages(std::vector<std::string> v) { preferredLanguages_ = std::move(v); }
-    void setSuperuser(bool v) { superuser_ = v; }
+    void setPreferredLanguages(const PortKey&, std::vector<std::string> v) { preferredLanguages_ = std::move(v); }
+    void setSuperuser(const PortKey&, bool v) { superuser_ = v; }
 
 private:
     std::optional<UserInterfaceIdiom> idiom_ = UserInterfaceIdiom::Phone;

@@ -22,7 +22,7 @@ public:
 
     Error(std::string domain, int64_t code, Value::Map userInfo = {},
           std::shared_ptr<const Error> underlyingError = nullptr);
-    static std::shared_ptr<Error> make(std::string domain, int64_t code, Value::Map userInfo = {},
+    static std::shared_ptr<const Error> make(std::string domain, int64_t code, Value::Map userInfo = {},
                                        std::shared_ptr<const Error> underlyingError = nullptr);
 
     const std::string& domain() const { return domain_; }

@@ -1,6 +1,6 @@
 #include "kit/FileManager.h"
 
-#include "kit/Platform.h"
+#include "kit/port/Platform.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool fail(std::shared_ptr<Error>* error, int code, const fs::path& path, std::string_view what) {
+bool fail(std::shared_ptr<const Error>* error, int code, const fs::path& path, std::string_view what) {
     if (error) {
         std::string message = fmt::format("{} {}: {}", what, path.string(), std::strerror(code));
         *error = Error::make(FileManager::kErrorDomain, code,
@@ -52,7 +52,7 @@ std::optional<std::string> FileManager::read(const fs::path& path) const {
 }
 
 bool FileManager::writeAtomically(const fs::path& path, std::string_view bytes,
-                                  std::shared_ptr<Error>* error) const {
+                                  std::shared_ptr<const Error>* error) const {
     static thread_local std::mt19937_64 random{std::random_device{}()};
     fs::path temporary = path;
     temporary += fmt::format(".tmp{:016x}", random());
@@ -83,7 +83,7 @@ bool FileManager::writeAtomically(const fs::path& path, std::string_view bytes,
     return true;
 }
 
-bool FileManager::createFolder(const fs::path& path, std::shared_ptr<Error>* error) const {
+bool FileManager::createFolder(const fs::path& path, std::shared_ptr<const Error>* error) const {
     std::error_code ec;
     fs::create_directories(path, ec);
     if (ec) return fail(error, ec.value(), path, "Cannot create folder");
@@ -103,7 +103,7 @@ bool FileManager::setModificationTime(const fs::path& path, double secondsSince1
     return ::utimensat(AT_FDCWD, path.c_str(), times, 0) == 0;
 }
 
-bool FileManager::remove(const fs::path& path, std::shared_ptr<Error>* error) const {
+bool FileManager::remove(const fs::path& path, std::shared_ptr<const Error>* error) const {
     std::error_code ec;
     fs::remove_all(path, ec);
     if (ec) return fail(error, ec.value(), path, "Cannot remove");

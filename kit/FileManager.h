@@ -34,13 +34,13 @@ public:
     // Writes a temporary file beside `path` and renames it over `path`, so readers see the old
     // content or the new, never a mix. On failure the old file is untouched.
     bool writeAtomically(const std::filesystem::path& path, std::string_view bytes,
-                         std::shared_ptr<Error>* error = nullptr) const;
-    bool createFolder(const std::filesystem::path& path, std::shared_ptr<Error>* error = nullptr) const;
+                         std::shared_ptr<const Error>* error = nullptr) const;
+    bool createFolder(const std::filesystem::path& path, std::shared_ptr<const Error>* error = nullptr) const;
     // Seconds since 1970, whole and fractional.
     std::optional<double> modificationTime(const std::filesystem::path& path) const;
     // Sets access and modification time.
     bool setModificationTime(const std::filesystem::path& path, double secondsSince1970) const;
-    bool remove(const std::filesystem::path& path, std::shared_ptr<Error>* error = nullptr) const;
+    bool remove(const std::filesystem::path& path, std::shared_ptr<const Error>* error = nullptr) const;
 
     // The error domain of file errors; codes are errno values.
     static constexpr const char* kErrorDomain = "kit.FileManager";

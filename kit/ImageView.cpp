@@ -18,7 +18,7 @@ ImageView::~ImageView() = default;
 void ImageView::setImage(std::shared_ptr<Image> image) {
     if (image_ == image) return;
     image_ = std::move(image);
-    notifyPeer(ViewPeer::Change::Content);
+    notifyPeer(ViewChange::Content);
 }
 
 }  // namespace kit

@@ -29,7 +29,7 @@ void Layer::setMasksToBounds(bool masks) {
 }
 
 void Layer::changed() {
-    view_.notifyPeer(ViewPeer::Change::Layer);
+    view_.notifyPeer(ViewChange::Layer);
 }
 
 }  // namespace kit

@@ -1,56 +1,70 @@
 #include "kit/NotificationCenter.h"
 
-#include "kit/Platform.h"
+#include "kit/port/Platform.h"
 
 #include <algorithm>
 
 namespace kit {
 
-NotificationCenter::NotificationCenter() = default;
-NotificationCenter::~NotificationCenter() = default;
+struct NotificationCenter::Subscription::Entry {
+    std::string name;
+    const Object* object;
+    Handler handler;
+    bool removed = false;
+};
+
+NotificationCenter::Subscription& NotificationCenter::Subscription::operator=(Subscription&& other) noexcept {
+    if (this != &other) {
+        cancel();
+        entries_ = std::move(other.entries_);
+        entry_ = std::move(other.entry_);
+    }
+    return *this;
+}
+
+void NotificationCenter::Subscription::cancel() {
+    auto entry = entry_.lock();
+    entry_.reset();
+    if (!entry) return;
+    entry->removed = true;
+    if (auto entries = entries_.lock()) std::erase(*entries, entry);
+    // `entry` lets go of the handler last, once the center's list is consistent again.
+}
+
+bool NotificationCenter::Subscription::isActive() const {
+    auto entry = entry_.lock();
+    return entry && !entry->removed;
+}
+
+NotificationCenter::NotificationCenter() : entries_(std::make_shared<Subscription::Entries>()) {}
+
+NotificationCenter::~NotificationCenter() {
+    for (const auto& entry : *entries_) entry->removed = true;
+}
 
 NotificationCenter& NotificationCenter::defaultCenter() {
     return Platform::current().notificationCenter();
 }
 
-void NotificationCenter::addObserver(const void* observer, std::string name, const void* object,
-                                     Handler handler) {
-    entries_.push_back(std::make_shared<Entry>(Entry{observer, std::move(name), object, std::move(handler)}));
-}
-
-void NotificationCenter::removeIf(const std::function<bool(const Entry&)>& match) {
-    std::vector<std::shared_ptr<Entry>> removed;
-    auto keep = std::stable_partition(entries_.begin(), entries_.end(),
-                                      [&](const std::shared_ptr<Entry>& e) { return !match(*e); });
-    for (auto it = keep; it != entries_.end(); ++it) {
-        (*it)->removed = true;
-        removed.push_back(std::move(*it));
-    }
-    entries_.erase(keep, entries_.end());
-    // `removed` releases the handlers after the list is consistent again.
-}
-
-void NotificationCenter::removeObserver(const void* observer) {
-    removeIf([&](const Entry& e) { return e.observer == observer; });
-}
-
-void NotificationCenter::removeObserver(const void* observer, std::string_view name, const void* object) {
-    removeIf([&](const Entry& e) {
-        return e.observer == observer && (name.empty() || e.name == name) && (!object || e.object == object);
-    });
+NotificationCenter::Subscription NotificationCenter::addObserver(std::string name, const Object* object,
+                                                                 Handler handler) {
+    auto entry = std::make_shared<Subscription::Entry>(
+        Subscription::Entry{std::move(name), object, std::move(handler)});
+    entries_->push_back(entry);
+    return Subscription(entries_, entry);
 }
 
 void NotificationCenter::post(const Notification& notification) {
-    // A snapshot, so that observers may add and remove observers while being called.
-    std::vector<std::shared_ptr<Entry>> matching;
-    for (const auto& e : entries_) {
+    // A snapshot, so that observers may add and end registrations while being called.
+    std::vector<std::shared_ptr<Subscription::Entry>> matching;
+    for (const auto& e : *entries_) {
         if ((e->name.empty() || e->name == notification.name) &&
             (!e->object || e->object == notification.object))
             matching.push_back(e);
     }
     for (const auto& e : matching) {
         if (e->removed) continue;
-        Handler handler = e->handler;  // the handler may remove itself
+        Handler handler = e->handler;  // the handler may end its own registration
         handler(notification);
     }
 }

@@ -1,14 +1,10 @@
 #include "kit/Reachability.h"
 
-#include "kit/Platform.h"
-#include "kit/RunLoop.h"
+#include "kit/port/Platform.h"
 
 namespace kit {
 
-Reachability::~Reachability() {
-    // A handle may outlive the platform (a shared checker at exit): then nothing is pending.
-    if (Platform::isInstalled()) RunLoop::main().cancelCallsForTarget(this);
-}
+Reachability::~Reachability() = default;
 
 std::shared_ptr<Reachability> Reachability::createWithName(const std::string& hostName) {
     return Platform::current().createReachability(hostName);
@@ -21,18 +17,17 @@ bool Reachability::scheduleWithRunLoop() {
 
 void Reachability::unscheduleFromRunLoop() {
     scheduled_ = false;
-    RunLoop::main().cancelCallsForTarget(this);
+    reports_.cancelAll();
 }
 
 void Reachability::report(Flags flags) {
     if (!scheduled_) return;
-    std::weak_ptr<Reachability> weak = weakly(this);
-    RunLoop::main().post(
-        [weak, flags] {
-            auto self = weak.lock();
-            if (self && self->scheduled_ && self->callback_) self->callback_(flags);
-        },
-        this);
+    reports_.post([this, flags] {
+        if (!scheduled_ || !callback_) return;
+        auto self = retained(this);  // the callback may let go of this handle
+        Callback callback = callback_;
+        callback(flags);
+    });
 }
 
 }  // namespace kit

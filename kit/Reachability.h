@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kit/CallGroup.h"
 #include "kit/Object.h"
 
 #include <cstdint>
@@ -43,6 +44,7 @@ private:
     std::string hostName_;
     Callback callback_;
     bool scheduled_ = false;
+    CallGroup reports_;
 };
 
 }  // namespace kit

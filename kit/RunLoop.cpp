@@ -1,20 +1,25 @@
 #include "kit/RunLoop.h"
 
-#include "kit/Platform.h"
+#include "kit/CallGroup.h"
+#include "kit/port/Platform.h"
+#include "kit/port/PortKey.h"
+#include "kit/port/RunLoopImplementation.h"
 
+#include <algorithm>
 #include <cassert>
 
 namespace kit {
 
 RunLoopImplementation::~RunLoopImplementation() = default;
 
-RunLoop::RunLoop(std::unique_ptr<RunLoopImplementation> implementation)
+RunLoop::RunLoop(const PortKey&, std::unique_ptr<RunLoopImplementation> implementation)
     : implementation_(std::move(implementation)) {
     pools_.emplace_back();  // the root pool: work done outside any turn
 }
 
 RunLoop::~RunLoop() {
-    clear();
+    clearQueue();
+    for (size_t level = pools_.size(); level-- > 0;) drainPool(level);
 }
 
 RunLoop& RunLoop::main() {
@@ -25,19 +30,28 @@ double RunLoop::now() const {
     return implementation_->now();
 }
 
-RunLoop::CallId RunLoop::post(std::function<void()> call, const void* target) {
-    return postAfter(0, std::move(call), target);
+RunLoop::CallId RunLoop::post(std::function<void()> call) {
+    return schedule(0, std::move(call), nullptr);
 }
 
-RunLoop::CallId RunLoop::postAfter(double seconds, std::function<void()> call, const void* target) {
+RunLoop::CallId RunLoop::postAfter(double seconds, std::function<void()> call) {
+    return schedule(seconds, std::move(call), nullptr);
+}
+
+RunLoop::CallId RunLoop::schedule(double seconds, std::function<void()> call, CallGroup* group) {
     assert(isMainThread());
     double deadline = now() + (seconds > 0 ? seconds : 0);
     CallId id = nextSequence_++;
     bool earliest = queue_.empty() || Key{deadline, id} < queue_.begin()->first;
-    queue_.emplace(Key{deadline, id}, Call{std::move(call), target});
+    queue_.emplace(Key{deadline, id}, Call{std::move(call), group});
     deadlines_.emplace(id, deadline);
+    if (group) group->pending_.push_back(id);
     if (earliest && !inRunDue_) implementation_->wakeAt(deadline);
     return id;
+}
+
+void RunLoop::forget(CallId id, CallGroup* group) {
+    if (group) std::erase(group->pending_, id);
 }
 
 bool RunLoop::cancel(CallId id) {
@@ -46,16 +60,8 @@ bool RunLoop::cancel(CallId id) {
     // Move the call out before destroying it: its captures may schedule or cancel in turn.
     auto node = queue_.extract(Key{it->second, id});
     deadlines_.erase(it);
+    forget(id, node.mapped().group);
     return true;
-}
-
-size_t RunLoop::cancelCallsForTarget(const void* target) {
-    if (!target) return 0;
-    std::vector<CallId> ids;
-    for (const auto& [key, call] : queue_)
-        if (call.target == target) ids.push_back(key.sequence);
-    for (CallId id : ids) cancel(id);
-    return ids.size();
 }
 
 void RunLoop::keepAlive(std::shared_ptr<const void> object) {
@@ -102,7 +108,7 @@ void RunLoop::drainPool(size_t level) {
     }
 }
 
-size_t RunLoop::runDue() {
+size_t RunLoop::runDue(const PortKey& key) {
     assert(isMainThread());
     if (inRunDue_) return 0;
     inRunDue_ = true;
@@ -117,9 +123,10 @@ size_t RunLoop::runDue() {
         }
         Call call = std::move(it->second);
         deadlines_.erase(it->first.sequence);
+        forget(it->first.sequence, call.group);
         queue_.erase(it);
         {
-            Turn turn(*this);
+            Turn turn(key, *this);
             call.function();
         }
         ++ran;
@@ -134,30 +141,36 @@ void RunLoop::scheduleWakeup() {
     if (!queue_.empty()) implementation_->wakeAt(queue_.begin()->first.deadline);
 }
 
-std::optional<double> RunLoop::nextDeadline() const {
+std::optional<double> RunLoop::nextDeadline(const PortKey&) const {
     if (queue_.empty()) return std::nullopt;
     return queue_.begin()->first.deadline;
 }
 
-std::vector<RunLoop::PendingCall> RunLoop::pendingCalls() const {
+std::vector<RunLoop::PendingCall> RunLoop::pendingCalls(const PortKey&) const {
     std::vector<PendingCall> out;
     out.reserve(queue_.size());
-    for (const auto& [key, call] : queue_) out.push_back({key.sequence, key.deadline, call.target});
+    for (const auto& [key, call] : queue_) out.push_back({key.sequence, key.deadline, call.group != nullptr});
     return out;
 }
 
-void RunLoop::clear() {
-    // Destroying a call's captures may schedule more; repeat until nothing is left.
+void RunLoop::clearQueue() {
+    // Destroying a call's captures may schedule more, or destroy the groups they were posted
+    // through: the groups let go of their calls first, and this repeats until nothing is left.
     while (!queue_.empty()) {
         auto calls = std::move(queue_);
         queue_.clear();
         deadlines_.clear();
+        for (auto& [key, call] : calls) forget(key.sequence, call.group);
         calls.clear();
     }
+}
+
+void RunLoop::clear(const PortKey&) {
+    clearQueue();
     for (size_t level = pools_.size(); level-- > 0;) drainPool(level);
 }
 
-RunLoop::Turn::Turn(RunLoop& loop) : loop_(loop) {
+RunLoop::Turn::Turn(const PortKey&, RunLoop& loop) : loop_(loop) {
     loop_.pools_.emplace_back();
 }
 

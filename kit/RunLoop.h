@@ -1,7 +1,5 @@
 #pragma once
 
-#include "kit/RunLoopImplementation.h"
-
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -12,17 +10,22 @@
 
 namespace kit {
 
+class CallGroup;
+class PortKey;
+class RunLoopImplementation;
+
 // The main thread's run loop. Everything runs on it: posted calls, delayed calls and timers each
 // run in a turn of their own, never inside the call that scheduled them. Calls with equal
 // deadlines run in the order they were scheduled.
 //
-// A turn also ends the life of objects handed to keepAlive() during it (what an autorelease pool
-// does): they are released when the turn's call returns, not before.
+// A call that belongs to an object goes through that object's CallGroup, which cancels it when the
+// object goes. A turn also ends the life of objects handed to keepAlive() during it (what an
+// autorelease pool does): they are released when the turn's call returns, not before.
 class RunLoop {
 public:
     using CallId = uint64_t;
 
-    explicit RunLoop(std::unique_ptr<RunLoopImplementation> implementation);
+    RunLoop(const PortKey&, std::unique_ptr<RunLoopImplementation> implementation);
     ~RunLoop();
     RunLoop(const RunLoop&) = delete;
     RunLoop& operator=(const RunLoop&) = delete;
@@ -33,14 +36,11 @@ public:
     // Monotonic seconds.
     double now() const;
 
-    // Runs `call` in a later turn. `target` names the object the call is for, so that
-    // cancelCallsForTarget() can find it; it is only compared, never dereferenced.
-    CallId post(std::function<void()> call, const void* target = nullptr);
-    CallId postAfter(double seconds, std::function<void()> call, const void* target = nullptr);
+    // Runs `call` in a later turn.
+    CallId post(std::function<void()> call);
+    CallId postAfter(double seconds, std::function<void()> call);
     // Returns whether the call was still pending.
     bool cancel(CallId id);
-    // Cancels every pending call scheduled for `target`; returns how many.
-    size_t cancelCallsForTarget(const void* target);
 
     // Keeps `object` alive until the end of the current turn.
     void keepAlive(std::shared_ptr<const void> object);
@@ -57,24 +57,23 @@ public:
     // ---- For ports and tests.
 
     // Runs, each in its own turn, every call that was due when it started. Returns how many ran.
-    size_t runDue();
-    std::optional<double> nextDeadline() const;
-    bool hasPendingCalls() const { return !queue_.empty(); }
-
+    size_t runDue(const PortKey&);
+    std::optional<double> nextDeadline(const PortKey&) const;
     struct PendingCall {
         CallId id;
         double deadline;
-        const void* target;
+        bool grouped;  // posted through a CallGroup
     };
     // What is scheduled, earliest first (for test diagnostics).
-    std::vector<PendingCall> pendingCalls() const;
-    // Drops every pending call (the platform is going away).
-    void clear();
+    std::vector<PendingCall> pendingCalls(const PortKey&) const;
+    // Drops every pending call and ends every turn's keep-alives (the platform is going away).
+    void clear(const PortKey&);
+    RunLoopImplementation& implementation(const PortKey&) { return *implementation_; }
 
     // A turn that the port runs for work arriving from outside the queue (a platform callback).
     class Turn {
     public:
-        explicit Turn(RunLoop& loop = RunLoop::main());
+        explicit Turn(const PortKey&, RunLoop& loop = RunLoop::main());
         ~Turn();
         Turn(const Turn&) = delete;
         Turn& operator=(const Turn&) = delete;
@@ -83,9 +82,9 @@ public:
         RunLoop& loop_;
     };
 
-    RunLoopImplementation& implementation() { return *implementation_; }
-
 private:
+    friend class CallGroup;
+
     struct Key {
         double deadline;
         CallId sequence;
@@ -95,11 +94,14 @@ private:
     };
     struct Call {
         std::function<void()> function;
-        const void* target;
+        CallGroup* group;
     };
 
+    CallId schedule(double seconds, std::function<void()> call, CallGroup* group);
+    void forget(CallId id, CallGroup* group);
     void scheduleWakeup();
     void drainPool(size_t level);
+    void clearQueue();
 
     std::unique_ptr<RunLoopImplementation> implementation_;
     std::map<Key, Call> queue_;
@@ -107,6 +109,8 @@ private:
     CallId nextSequence_ = 1;
     std::vector<std::vector<std::shared_ptr<const void>>> pools_;
     bool inRunDue_ = false;
+    // Call groups hold it weakly to know whether this loop is still there.
+    std::shared_ptr<const void> life_ = std::make_shared<char>();
 };
 
 }  // namespace kit

@@ -1,6 +1,6 @@
 #include "kit/Screen.h"
 
-#include "kit/Platform.h"
+#include "kit/port/Platform.h"
 
 namespace kit {
 

@@ -4,6 +4,8 @@
 
 namespace kit {
 
+class PortKey;
+
 // The main screen: its bounds in points and its scale (device pixels per point).
 class Screen {
 public:
@@ -12,8 +14,8 @@ public:
     Rect bounds() const { return bounds_; }
     double scale() const { return scale_; }
 
-    void setBounds(Rect bounds) { bounds_ = bounds; }
-    void setScale(double scale) { scale_ = scale; }
+    void setBounds(const PortKey&, Rect bounds) { bounds_ = bounds; }
+    void setScale(const PortKey&, double scale) { scale_ = scale; }
 
 private:
     Rect bounds_{0, 0, 480, 320};

@@ -1,6 +1,6 @@
 #include "kit/SoundService.h"
 
-#include "kit/Platform.h"
+#include "kit/port/Platform.h"
 
 namespace kit {
 

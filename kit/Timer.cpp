@@ -24,16 +24,14 @@ std::shared_ptr<Timer> Timer::scheduled(double interval, bool repeats, Callback 
 }
 
 void Timer::schedule() {
-    auto self = std::static_pointer_cast<Timer>(shared_from_this());
     RunLoop& loop = RunLoop::main();
-    call_ = loop.postAfter(
-        fireTime_ - loop.now(), [self] { self->timerFired(); }, this);
+    call_ = loop.postAfter(fireTime_ - loop.now(), [self = retained(this)] { self->timerFired(); });
 }
 
 void Timer::timerFired() {
     call_ = 0;
     if (!valid_) return;
-    auto keep = std::static_pointer_cast<Timer>(shared_from_this());
+    auto self = retained(this);
     if (repeats_) {
         fireTime_ += interval_;
         schedule();
@@ -47,7 +45,7 @@ void Timer::timerFired() {
 
 void Timer::fire() {
     if (!valid_) return;
-    auto keep = std::static_pointer_cast<Timer>(shared_from_this());
+    auto self = retained(this);
     Callback callback = callback_;
     callback(*this);
     if (!repeats_) invalidate();

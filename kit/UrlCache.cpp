@@ -1,6 +1,6 @@
 #include "kit/UrlCache.h"
 
-#include "kit/Platform.h"
+#include "kit/SharedInstances.h"
 
 namespace kit {
 
@@ -12,7 +12,7 @@ std::string keyFor(const UrlRequest& request) {
 }  // namespace
 
 UrlCache& UrlCache::shared() {
-    return Platform::current().urlCache();
+    return kit::shared<UrlCache>();
 }
 
 void UrlCache::setMemoryCapacity(size_t bytes) {

@@ -1,7 +1,8 @@
 #include "kit/UrlConnection.h"
 
 #include "kit/CachedUrlResponse.h"
-#include "kit/Platform.h"
+#include "kit/port/Platform.h"
+#include "kit/port/UrlLoader.h"
 #include "kit/RunLoop.h"
 #include "kit/UrlCache.h"
 #include "kit/UrlError.h"
@@ -24,8 +25,31 @@ bool mayBeCached(const UrlRequest& request, const UrlResponse& response) {
 }
 }  // namespace
 
+// Hands the port's reports on to the connection, keeping them out of its public face. The
+// connection lives to the end of the report's turn, so it never goes while its loader reports.
+class UrlConnection::LoaderClient : public UrlLoader::Client {
+public:
+    explicit LoaderClient(UrlConnection& connection) : connection_(connection) {}
+    void loaderDidReceiveResponse(const UrlResponse& response) override {
+        keep().loaderDidReceiveResponse(response);
+    }
+    void loaderDidReceiveData(std::string_view data) override { keep().loaderDidReceiveData(data); }
+    void loaderDidFinish() override { keep().loaderDidFinish(); }
+    void loaderDidFail(std::shared_ptr<const Error> error) override { keep().loaderDidFail(std::move(error)); }
+
+private:
+    UrlConnection& keep() {
+        RunLoop::main().keepAlive(retained(&connection_));
+        return connection_;
+    }
+    UrlConnection& connection_;
+};
+
 UrlConnection::UrlConnection(const UrlRequest& request, std::weak_ptr<UrlConnectionDelegate> delegate)
-    : original_(request), current_(request), delegate_(std::move(delegate)) {}
+    : original_(request),
+      current_(request),
+      delegate_(std::move(delegate)),
+      client_(std::make_unique<LoaderClient>(*this)) {}
 
 std::shared_ptr<UrlConnection> UrlConnection::create(const UrlRequest& request,
                                                      std::weak_ptr<UrlConnectionDelegate> delegate,
@@ -35,19 +59,17 @@ std::shared_ptr<UrlConnection> UrlConnection::create(const UrlRequest& request,
     return connection;
 }
 
+// Never inside a report of the loader (see LoaderClient), so the loader can go at once.
 UrlConnection::~UrlConnection() {
-    if (loader_ && Platform::isInstalled()) dropLoader();
+    if (loader_) loader_->cancel();
 }
 
 void UrlConnection::start() {
     if (stage_ != Stage::Idle) return;
     stage_ = Stage::Asking;
-    RunLoop::main().post(
-        [weak = weakly(this)] {
-            if (auto self = weak.lock(); self && self->stage_ == Stage::Asking)
-                self->askToSend(self->original_, nullptr);
-        },
-        this);
+    calls_.post([this] {
+        if (stage_ == Stage::Asking) askToSend(original_, nullptr);
+    });
 }
 
 void UrlConnection::cancel() {
@@ -55,7 +77,7 @@ void UrlConnection::cancel() {
     // Keep the loader's owner alive to the end of this turn: cancel may come from inside a report.
     auto self = retained(this);
     stage_ = Stage::Done;
-    RunLoop::main().cancelCallsForTarget(this);
+    calls_.cancelAll();
     dropLoader();
     cacheBody_.reset();
 }
@@ -98,7 +120,7 @@ void UrlConnection::openHop() {
         failLater(UrlError::kUnsupportedUrl);
         return;
     }
-    loader_ = Platform::current().makeUrlLoader(current_, *this);
+    loader_ = Platform::current().createUrlLoader(current_, *client_);
     if (!loader_) {
         failLater(UrlError::kUnsupportedUrl, "This platform has no network.");
         return;
@@ -108,11 +130,9 @@ void UrlConnection::openHop() {
 
 void UrlConnection::failLater(int code, const std::string& description) {
     auto error = UrlError::make(code, current_.url().absoluteString(), description);
-    RunLoop::main().post(
-        [weak = weakly(this), error] {
-            if (auto self = weak.lock(); self && self->stage_ == Stage::Loading) self->loaderDidFail(error);
-        },
-        this);
+    calls_.post([this, error] {
+        if (stage_ == Stage::Loading) loaderDidFail(error);
+    });
 }
 
 void UrlConnection::dropLoader() {

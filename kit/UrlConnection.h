@@ -1,16 +1,19 @@
 #pragma once
 
+#include "kit/CallGroup.h"
 #include "kit/Object.h"
 #include "kit/UrlConnectionDelegate.h"
-#include "kit/UrlLoader.h"
 #include "kit/UrlRequest.h"
 #include "kit/UrlResponse.h"
 
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace kit {
+
+class UrlLoader;
 
 // An asynchronous HTTP load that reports to a delegate on the run loop (see UrlConnectionDelegate).
 // It follows redirects hop by hop, asking the delegate before each one, so every hop is seen, also
@@ -19,7 +22,7 @@ namespace kit {
 //
 // Whoever opens a connection owns it: dropping the last reference cancels the load. The delegate is
 // not retained; a connection whose delegate is gone cancels itself.
-class UrlConnection : public Object, private UrlLoader::Client {
+class UrlConnection : public Object {
 public:
     // More redirects than this end the load with UrlError::kTooManyRedirects.
     static constexpr int kMaximumRedirects = 16;
@@ -43,6 +46,7 @@ public:
 
 private:
     enum class Stage { Idle, Asking, Loading, Done };
+    class LoaderClient;
 
     std::shared_ptr<UrlConnectionDelegate> delegateOrCancel();
     void askToSend(const UrlRequest& request, const UrlResponse* redirectResponse);
@@ -52,16 +56,19 @@ private:
     void dropLoader();
     static bool isRedirect(const UrlResponse& response);
 
-    void loaderDidReceiveResponse(const UrlResponse& response) override;
-    void loaderDidReceiveData(std::string_view data) override;
-    void loaderDidFinish() override;
-    void loaderDidFail(std::shared_ptr<const Error> error) override;
+    // The port's reports on the current hop.
+    void loaderDidReceiveResponse(const UrlResponse& response);
+    void loaderDidReceiveData(std::string_view data);
+    void loaderDidFinish();
+    void loaderDidFail(std::shared_ptr<const Error> error);
 
     UrlRequest original_;
     UrlRequest current_;
     std::weak_ptr<UrlConnectionDelegate> delegate_;
     Stage stage_ = Stage::Idle;
+    std::unique_ptr<LoaderClient> client_;
     std::unique_ptr<UrlLoader> loader_;
+    CallGroup calls_;
     int redirects_ = 0;
     std::optional<UrlResponse> response_;
     // The body as it comes, kept while the answer may go into the cache.

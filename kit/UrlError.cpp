@@ -31,7 +31,7 @@ const char* standardDescription(int code) {
 }
 }  // namespace
 
-std::shared_ptr<Error> make(int code, const std::string& failingUrl, const std::string& description) {
+std::shared_ptr<const Error> make(int code, const std::string& failingUrl, const std::string& description) {
     return Error::make(
         kDomain, code,
         {{Error::kLocalizedDescriptionKey, description.empty() ? standardDescription(code) : description},

@@ -2,7 +2,7 @@
 
 #include "kit/FileManager.h"
 #include "kit/Log.h"
-#include "kit/Platform.h"
+#include "kit/port/Platform.h"
 
 #include <cstring>
 
@@ -273,7 +273,7 @@ bool UserDefaults::synchronize() {
     writer.value(Value(values_));
     writer.raw(checksum(writer.out));
     FileManager files({});
-    std::shared_ptr<Error> error;
+    std::shared_ptr<const Error> error;
     if (file_->has_parent_path() && !files.createFolder(file_->parent_path(), &error)) {
         Log::write(error->localizedDescription());
         return false;

@@ -1,8 +1,9 @@
 #include "kit/View.h"
 
-#include "kit/Platform.h"
+#include "kit/port/Platform.h"
+#include "kit/port/ViewPeer.h"
 #include "kit/RunLoop.h"
-#include "kit/ViewPeerFactory.h"
+#include "kit/port/ViewPeerFactory.h"
 #include "kit/Window.h"
 
 #include <algorithm>
@@ -81,7 +82,7 @@ void View::setFrame(Rect frame) {
     const Size oldSize = bounds_.size;
     frame_ = frame;
     bounds_.size = frame.size;
-    notifyPeer(ViewPeer::Change::Frame);
+    notifyPeer(ViewChange::Frame);
     if (oldSize != frame.size) resizeSubviews(oldSize);
 }
 
@@ -89,9 +90,9 @@ void View::setBounds(Rect bounds) {
     const Rect old = bounds_;
     bounds_ = bounds;
     frame_.size = bounds.size;
-    notifyPeer(ViewPeer::Change::Frame);
+    notifyPeer(ViewChange::Frame);
     if (old.origin != bounds.origin) {
-        for (auto& subview : subviews_) subview->notifyPeer(ViewPeer::Change::Frame);
+        for (auto& subview : subviews_) subview->notifyPeer(ViewChange::Frame);
     }
     if (old.size != bounds.size) resizeSubviews(old.size);
 }
@@ -164,7 +165,7 @@ void View::restack(const std::shared_ptr<View>& view, size_t index) {
     if (from == index) return;
     subviews_.erase(it);
     subviews_.insert(subviews_.begin() + static_cast<std::ptrdiff_t>(index), view);
-    view->notifyPeer(ViewPeer::Change::Stacking);
+    view->notifyPeer(ViewChange::Stacking);
 }
 
 void View::bringSubviewToFront(const std::shared_ptr<View>& view) {
@@ -212,20 +213,20 @@ std::shared_ptr<View> View::viewWithTag(int tag) {
 void View::setHidden(bool hidden) {
     if (hidden_ == hidden) return;
     hidden_ = hidden;
-    notifyPeer(ViewPeer::Change::Hidden);
+    notifyPeer(ViewChange::Hidden);
 }
 
 void View::setAlpha(double alpha) {
     alpha = std::clamp(alpha, 0.0, 1.0);
     if (alpha_ == alpha) return;
     alpha_ = alpha;
-    notifyPeer(ViewPeer::Change::Alpha);
+    notifyPeer(ViewChange::Alpha);
 }
 
 void View::setBackgroundColor(Color color) {
     if (backgroundColor_ == color) return;
     backgroundColor_ = color;
-    notifyPeer(ViewPeer::Change::BackgroundColor);
+    notifyPeer(ViewChange::BackgroundColor);
 }
 
 // ---- Touches
@@ -281,11 +282,11 @@ void View::transition(const std::shared_ptr<View>& container, ViewTransition typ
     // A later transition on the same container takes over; the earlier one's end leaves it be.
     const uint64_t serial = ++container->transitionSerial_;
     container->activeTransition_ = type;
-    container->notifyPeer(ViewPeer::Change::Transition);
+    container->notifyPeer(ViewChange::Transition);
     animate(duration, changes, [container, serial, completion = std::move(completion)](bool finished) {
         if (container->transitionSerial_ == serial && container->activeTransition_ != ViewTransition::None) {
             container->activeTransition_ = ViewTransition::None;
-            container->notifyPeer(ViewPeer::Change::Transition);
+            container->notifyPeer(ViewChange::Transition);
         }
         if (completion) completion(finished);
     });
@@ -297,7 +298,7 @@ double View::inheritedAnimationDuration() {
 
 // ---- Platform
 
-void View::notifyPeer(ViewPeer::Change change) {
+void View::notifyPeer(ViewChange change) {
     if (peer_) peer_->viewDidChange(change);
 }
 

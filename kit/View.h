@@ -5,7 +5,6 @@
 #include "kit/Geometry.h"
 #include "kit/Layer.h"
 #include "kit/Responder.h"
-#include "kit/ViewPeer.h"
 
 #include <cstdint>
 #include <functional>
@@ -14,8 +13,22 @@
 
 namespace kit {
 
+class PortKey;
+class ViewPeer;
 class ViewPeerFactory;
 class Window;
+
+// What changed in a view, as its platform peer is told.
+enum class ViewChange {
+    Frame,  // frame or bounds (a bounds origin change moves the subviews' peers too)
+    Hidden,
+    Alpha,
+    Stacking,  // the view's place among its siblings changed
+    Layer,     // corner radius, border, masks to bounds
+    BackgroundColor,
+    Content,     // what a subclass draws: titles, images, control state
+    Transition,  // a transition (View::activeTransition()) began or ended on this container
+};
 
 // Which parts of a view stretch when its superview's size changes. Bits may be combined; along an
 // axis with several flexible parts the change is shared among them in proportion to their sizes.
@@ -122,7 +135,7 @@ public:
     static double inheritedAnimationDuration();
 
     // ---- Platform
-    ViewPeer* peer() const { return peer_.get(); }
+    ViewPeer* peer(const PortKey&) const { return peer_.get(); }
 
 protected:
     // Hooks, called once a move is complete: didMoveToSuperview(), then, when the window changed,
@@ -131,7 +144,7 @@ protected:
     virtual void didMoveToWindow() {}
 
     // Tells the peer (if any) of a change of this view.
-    void notifyPeer(ViewPeer::Change change);
+    void notifyPeer(ViewChange change);
     std::shared_ptr<Window> responderWindow() const override { return window(); }
 
     // For Window: gives `view` and the tree beneath it peers, or takes them away.

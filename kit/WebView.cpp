@@ -1,6 +1,7 @@
 #include "kit/WebView.h"
 
-#include "kit/Platform.h"
+#include "kit/port/Platform.h"
+#include "kit/port/WebPage.h"
 
 #include <utility>
 
@@ -81,30 +82,30 @@ void WebView::settingsChanged() {
 }
 
 // The delegate may let go of this view from any of its calls: it lives to the end of each.
-bool WebView::pageShouldStartLoad(const Url& url, WebViewNavigationType type) {
-    auto keep = shared_from_this();
+bool WebView::pageShouldStartLoad(const PortKey&, const Url& url, WebViewNavigationType type) {
+    auto self = retained(this);
     auto delegate = delegate_.lock();
     return !delegate || delegate->webViewShouldStartLoadWithRequestNavigationType(*this, url, type);
 }
 
-void WebView::pageDidStartLoad(const Url& url) {
-    auto keep = shared_from_this();
+void WebView::pageDidStartLoad(const PortKey&, const Url& url) {
+    auto self = retained(this);
     request_ = url;
     loading_ = true;
     if (auto delegate = delegate_.lock()) delegate->webViewDidStartLoad(*this);
 }
 
-void WebView::pageDidFinishLoad(const std::optional<Url>& url) {
-    auto keep = shared_from_this();
+void WebView::pageDidFinishLoad(const PortKey&, const std::optional<Url>& url) {
+    auto self = retained(this);
     if (url) request_ = url;
     loading_ = false;
     if (auto delegate = delegate_.lock()) delegate->webViewDidFinishLoad(*this);
 }
 
-void WebView::pageDidFailLoad(const Error& error) {
-    auto keep = shared_from_this();
+void WebView::pageDidFailLoad(const PortKey&, std::shared_ptr<const Error> error) {
+    auto self = retained(this);
     loading_ = false;
-    if (auto delegate = delegate_.lock()) delegate->webViewDidFailLoadWithError(*this, error);
+    if (auto delegate = delegate_.lock()) delegate->webViewDidFailLoadWithError(*this, std::move(error));
 }
 
 }  // namespace kit

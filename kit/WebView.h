@@ -3,7 +3,6 @@
 #include "kit/Error.h"
 #include "kit/Url.h"
 #include "kit/View.h"
-#include "kit/WebPage.h"
 #include "kit/WebViewDelegate.h"
 
 #include <cstdint>
@@ -13,6 +12,9 @@
 #include <string>
 
 namespace kit {
+
+class PortKey;
+class WebPage;
 
 // What a web view turns into links by itself. Bits may be combined.
 namespace DataDetectorTypes {
@@ -69,13 +71,13 @@ public:
     void setMediaPlaybackRequiresUserAction(bool required);
 
     // ---- For ports: the page reports here, each call in a turn of the run loop.
-    WebPage* page() const { return page_.get(); }
+    WebPage* page(const PortKey&) const { return page_.get(); }
     // Asks the delegate; true when the navigation may go on.
-    bool pageShouldStartLoad(const Url& url, WebViewNavigationType type);
-    void pageDidStartLoad(const Url& url);
+    bool pageShouldStartLoad(const PortKey&, const Url& url, WebViewNavigationType type);
+    void pageDidStartLoad(const PortKey&, const Url& url);
     // `url` is where the main frame ended up (after redirects), when the engine knows it.
-    void pageDidFinishLoad(const std::optional<Url>& url);
-    void pageDidFailLoad(const Error& error);
+    void pageDidFinishLoad(const PortKey&, const std::optional<Url>& url);
+    void pageDidFailLoad(const PortKey&, std::shared_ptr<const Error> error);
 
 private:
     void settingsChanged();

@@ -31,7 +31,7 @@ public:
     }
     virtual void webViewDidStartLoad(WebView& /*webView*/) {}
     virtual void webViewDidFinishLoad(WebView& /*webView*/) {}
-    virtual void webViewDidFailLoadWithError(WebView& /*webView*/, const Error& /*error*/) {}
+    virtual void webViewDidFailLoadWithError(WebView& /*webView*/, std::shared_ptr<const Error> /*error*/) {}
 };
 
 }  // namespace kit

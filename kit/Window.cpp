@@ -2,10 +2,11 @@
 
 #include "kit/Application.h"
 #include "kit/Control.h"
-#include "kit/Platform.h"
+#include "kit/port/Platform.h"
 #include "kit/RunLoop.h"
 #include "kit/ViewController.h"
-#include "kit/ViewPeerFactory.h"
+#include "kit/port/PortKey.h"
+#include "kit/port/ViewPeerFactory.h"
 
 #include <utility>
 
@@ -80,8 +81,8 @@ std::shared_ptr<Control> Window::trackedControl() {
     return tracking_;
 }
 
-void Window::touchDown(Point point) {
-    RunLoop::Turn turn;
+void Window::touchDown(const PortKey& key, Point point) {
+    RunLoop::Turn turn(key);
     auto keep = shared_from_this();
     if (auto previous = std::exchange(tracking_, nullptr)) previous->cancelTracking();  // a lost touch-up
     const Event event{EventType::Touches, RunLoop::main().now()};
@@ -91,22 +92,22 @@ void Window::touchDown(Point point) {
     control->beginTracking(control->convertPointFromView(point, this));
 }
 
-void Window::touchMoved(Point point) {
-    RunLoop::Turn turn;
+void Window::touchMoved(const PortKey& key, Point point) {
+    RunLoop::Turn turn(key);
     if (auto control = trackedControl())
         control->continueTracking(control->convertPointFromView(point, this));
 }
 
-void Window::touchUp(Point point) {
-    RunLoop::Turn turn;
+void Window::touchUp(const PortKey& key, Point point) {
+    RunLoop::Turn turn(key);
     if (auto control = trackedControl()) {
         tracking_ = nullptr;
         control->endTracking(control->convertPointFromView(point, this));
     }
 }
 
-void Window::touchCancelled() {
-    RunLoop::Turn turn;
+void Window::touchCancelled(const PortKey& key) {
+    RunLoop::Turn turn(key);
     if (auto control = std::exchange(tracking_, nullptr)) control->cancelTracking();
 }
 

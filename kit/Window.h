@@ -7,6 +7,7 @@
 namespace kit {
 
 class Control;
+class PortKey;
 class ViewController;
 
 // The root of a view tree: what the platform shows. From makeKeyAndVisible() on the window is on
@@ -37,10 +38,10 @@ public:
     // nearest one up the tree) and the control is enabled, the control tracks the touch: it is
     // highlighted while the finger is over it and sends TouchDown, drag events, and TouchUpInside
     // or TouchUpOutside. A control that leaves the window during the touch has it cancelled.
-    void touchDown(Point point);
-    void touchMoved(Point point);
-    void touchUp(Point point);
-    void touchCancelled();
+    void touchDown(const PortKey&, Point point);
+    void touchMoved(const PortKey&, Point point);
+    void touchUp(const PortKey&, Point point);
+    void touchCancelled(const PortKey&);
 
 private:
     friend class Responder;

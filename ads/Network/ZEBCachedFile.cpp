@@ -3,8 +3,9 @@
 #include "ads/ThirdParty/KBLStringEncoding.h"
 #include "ads/Utility/ZEBNetworkUtilities.h"
 #include "kit/FileManager.h"
-#include "kit/Platform.h"
+#include "kit/Clock.h"
 #include "kit/RunLoop.h"
+#include "kit/SharedInstances.h"
 #include "kit/UrlCache.h"
 
 #include <fmt/format.h>
@@ -19,9 +20,13 @@ ZEBCachedFileDelegate::~ZEBCachedFileDelegate() = default;
 
 namespace {
 
+// The factory that replaces kit's own, when one does.
+struct ConnectionFactory {
+    std::shared_ptr<kit::UrlConnectionFactory> overridden;
+};
+
 std::shared_ptr<kit::UrlConnectionFactory>& overriddenFactory() {
-    static std::shared_ptr<kit::UrlConnectionFactory> factory;
-    return factory;
+    return kit::shared<ConnectionFactory>().overridden;
 }
 
 // FNV-1a: stable across runs and builds, unlike std::hash.
@@ -133,7 +138,7 @@ void ZEBCachedFile::beginFetchWithCacheBuster(bool cacheBuster) {
     auto self = retained(this);
     kit::Url url = sourceURL_;
     if (cacheBuster) {
-        std::string now = fmt::format("{:.0f}", kit::Platform::current().secondsSince1970());
+        std::string now = fmt::format("{:.0f}", kit::Clock::secondsSince1970());
         if (auto busted = ZEBNetworkUtilities::appendQueryKeyValueToURL(kCacheBusterKey, now, sourceURL_))
             url = *busted;
     }
@@ -186,7 +191,7 @@ void ZEBCachedFile::processResponse(const kit::UrlResponse& response) {
 
 void ZEBCachedFile::saveDataToFile() {
     auto& files = kit::FileManager::defaultManager();
-    std::shared_ptr<kit::Error> error;
+    std::shared_ptr<const kit::Error> error;
     const auto& path = filePath();
     if (!path) {
         tellDidFail(kit::Error::make(kit::FileManager::kErrorDomain, ENOENT,
@@ -229,7 +234,7 @@ std::optional<kit::UrlRequest> ZEBCachedFile::connectionWillSendRequestRedirectR
     httpDestinationURL_ = request.url();
     if (redirectResponse) {
         httpHeaders_ = headersForResponse(*redirectResponse);
-        std::shared_ptr<kit::Error> refusal;
+        std::shared_ptr<const kit::Error> refusal;
         if (auto d = delegate()) refusal = d->cachedFileShouldRedirectToURL(*this, request.url());
         if (refusal) {
             cleanUpConnection();
@@ -314,5 +319,5 @@ bool ZEBCachedFile::responseIsFresh(const std::shared_ptr<const kit::CachedUrlRe
     auto control = headers.value("Cache-Control");
     if (isNoCacheOrNoStore(control)) return false;
     double expiry = *date + static_cast<double>(maxAgeFromCacheControl(control));
-    return kit::Platform::current().secondsSince1970() <= expiry;
+    return kit::Clock::secondsSince1970() <= expiry;
 }

@@ -56,7 +56,8 @@ public:
 
     std::string description() const override;
 
-    // Replaces the factory that opens connections; none restores the default.
+    // Replaces the factory that opens connections, for as long as the platform lives; none restores
+    // the default.
     static void overrideConnectionFactoryWith(std::shared_ptr<kit::UrlConnectionFactory> factory);
     static std::shared_ptr<kit::UrlConnectionFactory> connectionFactory();
     static const kit::HttpDateFormatter& formatterForHTTPDate();

@@ -18,6 +18,6 @@ public:
     // other than 200 and 304: see the file's httpStatusCode).
     virtual void cachedFileDownloadDidFail(ZEBCachedFile& file, std::shared_ptr<const kit::Error> error) = 0;
     // None lets the redirect go ahead; an error stops the download, which then fails with it.
-    virtual std::shared_ptr<kit::Error> cachedFileShouldRedirectToURL(ZEBCachedFile& file,
+    virtual std::shared_ptr<const kit::Error> cachedFileShouldRedirectToURL(ZEBCachedFile& file,
                                                                       const kit::Url& url) = 0;
 };

@@ -2,6 +2,7 @@
 
 #include "ads/Request/ZEBRequestError.h"
 #include "ads/Statistics/ZEBStatistics.h"
+#include "kit/SharedInstances.h"
 
 #include <algorithm>
 #include <cctype>
@@ -9,7 +10,13 @@
 
 namespace {
 // Trackings under way on a system without background tasks.
-int gTrackingCount = 0;
+struct TrackingCount {
+    int count = 0;
+};
+
+int& trackingCount() {
+    return kit::shared<TrackingCount>().count;
+}
 }  // namespace
 
 ZEBClickTrackerDelegate::~ZEBClickTrackerDelegate() = default;
@@ -21,15 +28,14 @@ ZEBClickTracker::~ZEBClickTracker() {
 }
 
 bool ZEBClickTracker::activeTrackings() {
-    return gTrackingCount != 0;
+    return trackingCount() != 0;
 }
 
 void ZEBClickTracker::trackURL(const std::optional<kit::Url>& url) {
     if (!url) return;
     reset();
     beginBackgroundTask();
-    tracker_ = ZEBCachedFile::createWithDelegateURL(
-        std::static_pointer_cast<ZEBClickTracker>(shared_from_this()), *url);
+    tracker_ = ZEBCachedFile::createWithDelegateURL(retained(this), *url);
     tracker_->validate();
 }
 
@@ -52,9 +58,9 @@ void ZEBClickTracker::beginBackgroundTask() {
     if (application.offersBackgroundTasks()) {
         // The handler holds the tracker: it must still be there when time runs out.
         backgroundTaskID_ = application.beginBackgroundTask(
-            [self = std::static_pointer_cast<ZEBClickTracker>(shared_from_this())] { self->reset(); });
+            [self = retained(this)] { self->reset(); });
     } else {
-        ++gTrackingCount;
+        ++trackingCount();
         counted_ = true;
     }
 }
@@ -66,11 +72,11 @@ void ZEBClickTracker::endBackgroundTask() {
     } else if (counted_) {
         // Only this tracker's own count: a reset before any tracking must not end another's.
         counted_ = false;
-        if (gTrackingCount > 0) --gTrackingCount;
+        if (trackingCount() > 0) --trackingCount();
     }
 }
 
-std::shared_ptr<kit::Error> ZEBClickTracker::cachedFileShouldRedirectToURL(ZEBCachedFile& file,
+std::shared_ptr<const kit::Error> ZEBClickTracker::cachedFileShouldRedirectToURL(ZEBCachedFile& file,
                                                                            const kit::Url& url) {
     std::string scheme = url.scheme();
     std::transform(scheme.begin(), scheme.end(), scheme.begin(),

@@ -34,7 +34,7 @@ public:
     // ZEBCachedFileDelegate
     void cachedFileDownloadDidEnd(ZEBCachedFile& file) override;
     void cachedFileDownloadDidFail(ZEBCachedFile& file, std::shared_ptr<const kit::Error> error) override;
-    std::shared_ptr<kit::Error> cachedFileShouldRedirectToURL(ZEBCachedFile& file,
+    std::shared_ptr<const kit::Error> cachedFileShouldRedirectToURL(ZEBCachedFile& file,
                                                               const kit::Url& url) override;
 
 private:

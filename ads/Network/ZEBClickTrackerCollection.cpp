@@ -1,28 +1,11 @@
 #include "ads/Network/ZEBClickTrackerCollection.h"
 
 #include "ads/Statistics/ZEBStatistics.h"
-#include "kit/RunLoop.h"
+#include "kit/SharedInstances.h"
 
-#include <mutex>
-
-namespace {
-std::mutex gSharedLock;
-// Never destroyed, not even at exit, when the platform its trackers use may already be gone.
-std::shared_ptr<ZEBClickTrackerCollection>& gShared = *new std::shared_ptr<ZEBClickTrackerCollection>;
-}  // namespace
-
+// The shared instances' lock makes sure that two threads never make two collections.
 std::shared_ptr<ZEBClickTrackerCollection> ZEBClickTrackerCollection::sharedInstance() {
-    std::lock_guard<std::mutex> lock(gSharedLock);
-    if (!gShared) gShared = std::make_shared<ZEBClickTrackerCollection>();
-    return gShared;
-}
-
-void ZEBClickTrackerCollection::releaseSharedInstance() {
-    std::shared_ptr<ZEBClickTrackerCollection> released;
-    {
-        std::lock_guard<std::mutex> lock(gSharedLock);
-        released = std::move(gShared);
-    }
+    return retained(&kit::shared<ZEBClickTrackerCollection>());
 }
 
 ZEBClickTrackerCollection::~ZEBClickTrackerCollection() {
@@ -42,7 +25,7 @@ void ZEBClickTrackerCollection::trackURLs(const std::vector<kit::Url>& list) {
 
 void ZEBClickTrackerCollection::track(const kit::Url& url) {
     auto tracker = std::make_shared<ZEBClickTracker>();
-    tracker->setDelegate(std::static_pointer_cast<ZEBClickTrackerCollection>(shared_from_this()));
+    tracker->setDelegate(retained(this));
     tracker->trackURL(url);
     trackers_.insert(tracker);
 }
@@ -55,7 +38,7 @@ void ZEBClickTrackerCollection::trackURLStringAppendSpamSignals(std::string_view
     if (appendSpamSignals) url = ZEBStatistics::sharedStatistics().urlForClick(*url);
     auto tracker = std::make_shared<ZEBClickTracker>();
     tracker->trackURL(url);
-    tracker->setDelegate(std::static_pointer_cast<ZEBClickTrackerCollection>(shared_from_this()));
+    tracker->setDelegate(retained(this));
     trackers_.insert(tracker);
 }
 
@@ -69,12 +52,7 @@ void ZEBClickTrackerCollection::trackerDidFailWithError(ZEBClickTracker&, std::s
 
 void ZEBClickTrackerCollection::scheduleCleanup() {
     // Not now: the tracker that reports is still inside its own callback.
-    kit::RunLoop::main().post(
-        [weak = std::weak_ptr<ZEBClickTrackerCollection>(
-             std::static_pointer_cast<ZEBClickTrackerCollection>(shared_from_this()))] {
-            if (auto self = weak.lock()) self->cleanupTrackers();
-        },
-        this);
+    cleanups_.post([this] { cleanupTrackers(); });
 }
 
 void ZEBClickTrackerCollection::cleanupTrackers() {

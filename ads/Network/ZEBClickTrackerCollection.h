@@ -2,6 +2,7 @@
 
 #include "ads/Network/ZEBClickTracker.h"
 #include "ads/Network/ZEBClickTrackerDelegate.h"
+#include "kit/CallGroup.h"
 #include "kit/Object.h"
 #include "kit/Url.h"
 #include "kit/Value.h"
@@ -15,10 +16,8 @@
 // the collection lets go of it in a later turn of the run loop.
 class ZEBClickTrackerCollection : public kit::Object, public ZEBClickTrackerDelegate {
 public:
-    // Made on first use and kept for the life of the process.
+    // Made on first use, from any thread; lives as long as the platform.
     static std::shared_ptr<ZEBClickTrackerCollection> sharedInstance();
-    // For test fixtures: lets go of the shared instance (its trackers are reset).
-    static void releaseSharedInstance();
 
     ZEBClickTrackerCollection() = default;
     ~ZEBClickTrackerCollection() override;
@@ -43,4 +42,5 @@ private:
     void scheduleCleanup();
 
     std::set<std::shared_ptr<ZEBClickTracker>> trackers_;
+    kit::CallGroup cleanups_;
 };

@@ -1,24 +1,14 @@
 #include "ads/Network/ZEBNetworkChecker.h"
 
 #include "ads/Utility/ZEBDeployment.h"
-
-namespace {
-std::unique_ptr<ZEBNetworkChecker>& sharedSlot() {
-    static std::unique_ptr<ZEBNetworkChecker> shared;
-    return shared;
-}
-}  // namespace
+#include "kit/SharedInstances.h"
 
 ZEBNetworkChecker& ZEBNetworkChecker::sharedChecker() {
-    if (!sharedSlot()) {
-        sharedSlot() = std::make_unique<ZEBNetworkChecker>();
-        sharedSlot()->setEnabled(true);
-    }
-    return *sharedSlot();
-}
-
-void ZEBNetworkChecker::reset() {
-    sharedSlot().reset();
+    return kit::SharedInstances::current().get<ZEBNetworkChecker>([] {
+        auto checker = std::make_shared<ZEBNetworkChecker>();
+        checker->setEnabled(true);
+        return checker;
+    });
 }
 
 ZEBNetworkChecker::ZEBNetworkChecker() = default;

@@ -12,10 +12,8 @@ class ZEBNetworkChecker {
 public:
     enum NetworkType { kUnknown = 0, kNotReachable = 1, kLocal = 2, kCellular = 3 };
 
-    // Made and enabled on first use.
+    // Made and enabled on first use; lives as long as the platform.
     static ZEBNetworkChecker& sharedChecker();
-    // Drops the shared checker; test fixtures start from a fresh one.
-    static void reset();
 
     ZEBNetworkChecker();
     ~ZEBNetworkChecker();

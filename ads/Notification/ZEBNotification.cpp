@@ -1,7 +1,6 @@
 #include "ads/Notification/ZEBNotification.h"
 
 #include "ads/Utility/ZEBNetworkUtilities.h"
-#include "kit/Platform.h"
 #include "kit/RunLoop.h"
 
 #include <fmt/format.h>
@@ -49,7 +48,7 @@ bool ZEBNotification::isNotificationURL(const kit::Url& url) {
 
 std::shared_ptr<ZEBNotification> ZEBNotification::notificationFromURL(const kit::Url& url) {
     auto notification = createWithNotificationURL(url);
-    if (notification && kit::Platform::isInstalled()) kit::RunLoop::main().keepAlive(notification);
+    if (notification) kit::RunLoop::main().keepAlive(notification);
     return notification;
 }
 

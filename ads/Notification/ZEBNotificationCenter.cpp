@@ -2,38 +2,20 @@
 
 #include "ads/Notification/ZEBNotification.h"
 #include "ads/Utility/ZEBMacros.h"
-#include "kit/Platform.h"
-#include "kit/RunLoop.h"
+#include "kit/SharedInstances.h"
 #include "kit/WebView.h"
 
 #include <fmt/format.h>
 
 namespace {
 constexpr const char* kReceiveMessageFunction = "QUOR_ReceiveMessage";
-
-std::shared_ptr<ZEBNotificationCenter>& sharedCenter() {
-    static std::shared_ptr<ZEBNotificationCenter> center;
-    return center;
-}
 }  // namespace
 
 ZEBNotificationCenter::ZEBNotificationCenter() = default;
-
-// Delayed postings hold this center's address as their target.
-ZEBNotificationCenter::~ZEBNotificationCenter() {
-    if (kit::Platform::isInstalled()) kit::RunLoop::main().cancelCallsForTarget(this);
-}
+ZEBNotificationCenter::~ZEBNotificationCenter() = default;
 
 ZEBNotificationCenter& ZEBNotificationCenter::defaultCenter() {
-    auto& center = sharedCenter();
-    if (!center) center = std::make_shared<ZEBNotificationCenter>();
-    return *center;
-}
-
-void ZEBNotificationCenter::reset() {
-    auto& center = sharedCenter();
-    if (center && kit::Platform::isInstalled()) kit::RunLoop::main().cancelCallsForTarget(center.get());
-    center.reset();
+    return kit::shared<ZEBNotificationCenter>();
 }
 
 void ZEBNotificationCenter::postNotificationFromURLObject(const kit::Url& url, kit::Object* object) {
@@ -45,10 +27,10 @@ void ZEBNotificationCenter::postNotificationFromURLObject(const kit::Url& url, k
 void ZEBNotificationCenter::postNotificationFromURLObjectWithDelay(const kit::Url& url,
                                                                    std::shared_ptr<kit::Object> object,
                                                                    double delay) {
-    DelayedPosting posting{url, std::move(object)};
-    auto self = std::static_pointer_cast<ZEBNotificationCenter>(shared_from_this());
-    kit::RunLoop::main().postAfter(
-        delay, [self, posting = std::move(posting)] { self->delayedPosting(posting); }, this);
+    delayedPostings_.postAfter(delay, [this, posting = DelayedPosting{url, std::move(object)}] {
+        auto self = retained(this);  // an observer may be the last to hold this center
+        delayedPosting(posting);
+    });
 }
 
 void ZEBNotificationCenter::delayedPosting(const DelayedPosting& posting) {

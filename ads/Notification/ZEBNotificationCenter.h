@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kit/CallGroup.h"
 #include "kit/NotificationCenter.h"
 #include "kit/Url.h"
 #include "kit/Value.h"
@@ -25,10 +26,8 @@ public:
     ZEBNotificationCenter();
     ~ZEBNotificationCenter() override;
 
-    // The process-wide center of the ad client.
+    // The process-wide center of the ad client, made on first use; lives as long as the platform.
     static ZEBNotificationCenter& defaultCenter();
-    // Forgets it (pending delayed postings included); test fixtures start from a fresh one.
-    static void reset();
 
     // Posts the URL's command under its name, with its parameters as user info; nothing for a URL
     // that is no command.
@@ -43,4 +42,7 @@ public:
     void postJSNotificationUserInfoWebView(const std::string& name,
                                            const std::optional<kit::Value::Map>& userInfo,
                                            kit::WebView* webView);
+
+private:
+    kit::CallGroup delayedPostings_;
 };

@@ -1,18 +1,13 @@
 #include "ads/Signals/ZEBSignalsCollector.h"
 
-namespace {
-std::shared_ptr<ZEBSignalsCollector>& installed() {
-    static std::shared_ptr<ZEBSignalsCollector> collector = std::make_shared<ZEBSignalsCollector>();
-    return collector;
-}
-}  // namespace
+#include "kit/SharedInstances.h"
 
 ZEBSignalsCollector::~ZEBSignalsCollector() = default;
 
 ZEBSignalsCollector& ZEBSignalsCollector::shared() {
-    return *installed();
+    return kit::shared<ZEBSignalsCollector>();
 }
 
 void ZEBSignalsCollector::setShared(std::shared_ptr<ZEBSignalsCollector> collector) {
-    installed() = collector ? std::move(collector) : std::make_shared<ZEBSignalsCollector>();
+    kit::SharedInstances::current().set(std::move(collector));
 }

@@ -12,8 +12,9 @@ class ZEBSignalsCollector {
 public:
     virtual ~ZEBSignalsCollector();
 
+    // The platform's collector: the empty one unless another was installed.
     static ZEBSignalsCollector& shared();
-    // Installs another collector; null puts the empty one back.
+    // Installs another collector for as long as the platform lives; null puts the empty one back.
     static void setShared(std::shared_ptr<ZEBSignalsCollector> collector);
 
     // One "key=value" text to send with an ad request; empty for none.

@@ -6,7 +6,8 @@
 #include "ads/Utility/ZEBDeployment.h"
 #include "ads/Utility/ZEBIdentifierUtilities.h"
 #include "ads/Utility/ZEBNetworkUtilities.h"
-#include "kit/Platform.h"
+#include "kit/Clock.h"
+#include "kit/SharedInstances.h"
 
 #include <fmt/format.h>
 
@@ -15,36 +16,27 @@
 #include <functional>
 
 namespace {
-std::unique_ptr<ZEBStatistics>& sharedSlot() {
-    static std::unique_ptr<ZEBStatistics> shared;
-    return shared;
-}
-
-bool& randomSeeded() {
-    static bool seeded = false;
-    return seeded;
-}
+// Whether random() has been seeded.
+struct RandomSeed {
+    bool seeded = false;
+};
 
 constexpr const char* kShared = "shared";
 constexpr const char* kClickDate = "date";
 
 double now() {
-    return kit::Platform::current().secondsSince1970();
+    return kit::Clock::secondsSince1970();
 }
 }  // namespace
 
 ZEBStatistics& ZEBStatistics::sharedStatistics() {
-    if (!sharedSlot()) sharedSlot() = std::make_unique<ZEBStatistics>();
-    return *sharedSlot();
-}
-
-void ZEBStatistics::releaseSharedStatistics() {
-    sharedSlot().reset();
+    return kit::shared<ZEBStatistics>();
 }
 
 void ZEBStatistics::seedRandomIfNecessary() {
-    if (randomSeeded()) return;
-    randomSeeded() = true;
+    bool& seeded = kit::shared<RandomSeed>().seeded;
+    if (seeded) return;
+    seeded = true;
     size_t deviceHash = std::hash<std::string>{}(ZEBIdentifierUtilities::deviceIdentifierOrSimulator());
     srandom(static_cast<unsigned>(static_cast<uint64_t>(now()) + deviceHash));
 }

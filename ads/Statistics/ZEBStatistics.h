@@ -15,8 +15,9 @@
 // synchronize(); the timings are saved when the application terminates.
 class ZEBStatistics {
 public:
+    // Made on first use; lives as long as the platform.
     static ZEBStatistics& sharedStatistics();
-    static void releaseSharedStatistics();
+    // Seeds random() once, from the clock and the device.
     static void seedRandomIfNecessary();
     static uint64_t randomUInt64();
     static const std::array<const char*, 8>& allTimingNames();

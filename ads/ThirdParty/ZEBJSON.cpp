@@ -169,7 +169,7 @@ public:
           keys_(keys),
           scratch_(scratch) {}
 
-    std::optional<Value> read(std::shared_ptr<kit::Error>& error);
+    std::optional<Value> read(std::shared_ptr<const kit::Error>& error);
 
 private:
     void skipSpace() {
@@ -193,7 +193,7 @@ private:
     bool closeContainer();
     bool readString(std::string_view& text, bool isKey);
     bool readEscape();
-    bool readHexQuad(uint32_t& value, std::shared_ptr<kit::Error>& error);
+    bool readHexQuad(uint32_t& value, std::shared_ptr<const kit::Error>& error);
     bool readNumber();
     bool readLiteral(std::string_view word, Value value, const char* failure);
 
@@ -205,7 +205,7 @@ private:
     std::vector<Value>& values_;
     std::vector<std::string>& keys_;
     std::string& scratch_;
-    std::shared_ptr<kit::Error> error_;
+    std::shared_ptr<const kit::Error> error_;
 };
 
 bool Reader::failValue(int64_t code, std::string message, std::shared_ptr<const kit::Error> underlying) {
@@ -244,7 +244,7 @@ bool Reader::closeContainer() {
     return true;
 }
 
-std::optional<Value> Reader::read(std::shared_ptr<kit::Error>& error) {
+std::optional<Value> Reader::read(std::shared_ptr<const kit::Error>& error) {
     // An explicit stack instead of recursion: nesting is bounded by memory, not by the call stack.
     for (;;) {
         // A value is expected at p_.
@@ -473,7 +473,7 @@ bool Reader::readString(std::string_view& text, bool isKey) {
                 scratch_ += '\t';
                 break;
             case 'u': {
-                std::shared_ptr<kit::Error> inner;
+                std::shared_ptr<const kit::Error> inner;
                 uint32_t unit = 0;
                 if (readHexQuad(unit, inner)) {
                     if (unit >= 0xDC00 && unit <= 0xDFFF) {
@@ -509,7 +509,7 @@ bool Reader::readString(std::string_view& text, bool isKey) {
     }
 }
 
-bool Reader::readHexQuad(uint32_t& value, std::shared_ptr<kit::Error>& error) {
+bool Reader::readHexQuad(uint32_t& value, std::shared_ptr<const kit::Error>& error) {
     if (end_ - p_ < 4) {
         error = ZEBJSON::errorWithCodeDescription(ZEBJSON::kErrorUnicode, "Missing hex quad");
         return false;
@@ -619,7 +619,7 @@ public:
     Writer(bool sortKeys, bool humanReadable, int& depth)
         : sortKeys_(sortKeys), humanReadable_(humanReadable), depth_(depth) {}
 
-    std::optional<std::string> write(const Value& root, std::shared_ptr<kit::Error>& error);
+    std::optional<std::string> write(const Value& root, std::shared_ptr<const kit::Error>& error);
 
 private:
     struct Frame {
@@ -653,7 +653,7 @@ private:
     }
 
     void writeString(std::string_view text);
-    bool writeScalar(const Value& value, std::shared_ptr<kit::Error>& error);
+    bool writeScalar(const Value& value, std::shared_ptr<const kit::Error>& error);
     const Value::Map::Entry& entryAt(const Frame& frame) const {
         if (sortKeys_) return *sorted_[frame.sortedBase + frame.index];
         return *(frame.container->map()->begin() + static_cast<ptrdiff_t>(frame.index));
@@ -746,7 +746,7 @@ void Writer::writeString(std::string_view text) {
     appendChar('"');
 }
 
-bool Writer::writeScalar(const Value& value, std::shared_ptr<kit::Error>& error) {
+bool Writer::writeScalar(const Value& value, std::shared_ptr<const kit::Error>& error) {
     switch (value.type()) {
         case Value::Type::Null:
             append("null");
@@ -789,7 +789,7 @@ bool Writer::writeScalar(const Value& value, std::shared_ptr<kit::Error>& error)
     return false;
 }
 
-std::optional<std::string> Writer::write(const Value& root, std::shared_ptr<kit::Error>& error) {
+std::optional<std::string> Writer::write(const Value& root, std::shared_ptr<const kit::Error>& error) {
     // An explicit stack, like the reader: any nesting the reader accepts can be written back.
     const Value* value = &root;
     for (;;) {
@@ -824,7 +824,7 @@ std::optional<std::string> Writer::write(const Value& root, std::shared_ptr<kit:
                 continue;
             }
         } else {
-            std::shared_ptr<kit::Error> inner;
+            std::shared_ptr<const kit::Error> inner;
             if (!writeScalar(*value, inner)) {
                 if (!frames_.empty() && frames_.back().container->isMap()) {
                     const std::string& key = entryAt(frames_.back()).first;
@@ -872,11 +872,11 @@ ZEBJSON::ZEBJSON() : stacks_(std::make_unique<Stacks>()) {}
 
 ZEBJSON::~ZEBJSON() = default;
 
-std::shared_ptr<kit::Error> ZEBJSON::errorWithCodeDescription(int64_t code, std::string description) {
+std::shared_ptr<const kit::Error> ZEBJSON::errorWithCodeDescription(int64_t code, std::string description) {
     return errorWithCodeUnderlyingDescription(code, nullptr, std::move(description));
 }
 
-std::shared_ptr<kit::Error> ZEBJSON::errorWithCodeUnderlyingDescription(
+std::shared_ptr<const kit::Error> ZEBJSON::errorWithCodeUnderlyingDescription(
     int64_t code, std::shared_ptr<const kit::Error> underlying, std::string description) {
     Value::Map userInfo;
     userInfo.set(kit::Error::kLocalizedDescriptionKey, std::move(description));
@@ -884,20 +884,20 @@ std::shared_ptr<kit::Error> ZEBJSON::errorWithCodeUnderlyingDescription(
 }
 
 std::optional<Value> ZEBJSON::objectWithStringError(std::optional<std::string_view> text,
-                                                    std::shared_ptr<kit::Error>* error) {
+                                                    std::shared_ptr<const kit::Error>* error) {
     return objectWithStringAllowScalarError(text, false, error);
 }
 
 std::optional<Value> ZEBJSON::fragmentWithStringError(std::optional<std::string_view> text,
-                                                      std::shared_ptr<kit::Error>* error) {
+                                                      std::shared_ptr<const kit::Error>* error) {
     return objectWithStringAllowScalarError(text, true, error);
 }
 
 std::optional<Value> ZEBJSON::objectWithStringAllowScalarError(std::optional<std::string_view> text,
                                                                bool allowScalar,
-                                                               std::shared_ptr<kit::Error>* error) {
+                                                               std::shared_ptr<const kit::Error>* error) {
     depth_ = 0;
-    std::shared_ptr<kit::Error> failure;
+    std::shared_ptr<const kit::Error> failure;
     std::optional<Value> result;
     if (!text) {
         failure = errorWithCodeDescription(kErrorNoInput, "Input was 'nil'");
@@ -916,19 +916,19 @@ std::optional<Value> ZEBJSON::objectWithStringAllowScalarError(std::optional<std
 }
 
 std::optional<std::string> ZEBJSON::stringWithObjectError(const Value& value,
-                                                          std::shared_ptr<kit::Error>* error) {
+                                                          std::shared_ptr<const kit::Error>* error) {
     return stringWithObjectAllowScalarError(value, false, error);
 }
 
 std::optional<std::string> ZEBJSON::stringWithFragmentError(const Value& value,
-                                                            std::shared_ptr<kit::Error>* error) {
+                                                            std::shared_ptr<const kit::Error>* error) {
     return stringWithObjectAllowScalarError(value, true, error);
 }
 
 std::optional<std::string> ZEBJSON::stringWithObjectAllowScalarError(const Value& value, bool allowScalar,
-                                                                     std::shared_ptr<kit::Error>* error) {
+                                                                     std::shared_ptr<const kit::Error>* error) {
     depth_ = 0;
-    std::shared_ptr<kit::Error> failure;
+    std::shared_ptr<const kit::Error> failure;
     std::optional<std::string> result;
     if (!allowScalar && !value.isArray() && !value.isMap()) {
         failure = errorWithCodeDescription(kErrorTopLevel, "Not valid type for JSON");

@@ -1,22 +1,18 @@
 #include "ads/Timing/ZEBTimingManager.h"
 
 #include "kit/Application.h"
-#include "kit/NotificationCenter.h"
-#include "kit/Platform.h"
 #include "kit/UserDefaults.h"
 
 #include <algorithm>
 
 ZEBTimingManager::ZEBTimingManager(std::string identifier) : identifier_(std::move(identifier)) {
     loadPersistentTimings();
-    kit::NotificationCenter::defaultCenter().addObserver(
-        this, kit::Application::kWillTerminateNotification, nullptr,
+    willTerminate_ = kit::NotificationCenter::defaultCenter().addObserver(
+        kit::Application::kWillTerminateNotification, nullptr,
         [this](const kit::Notification&) { savePersistentTimings(); });
 }
 
-ZEBTimingManager::~ZEBTimingManager() {
-    if (kit::Platform::isInstalled()) kit::NotificationCenter::defaultCenter().removeObserver(this);
-}
+ZEBTimingManager::~ZEBTimingManager() = default;
 
 std::string ZEBTimingManager::userDefaultsKey() const {
     return "vantor_timing_" + identifier_;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ads/Timing/ZEBTiming.h"
+#include "kit/NotificationCenter.h"
 
 #include <memory>
 #include <string>
@@ -36,6 +37,7 @@ private:
     void put(std::string category, std::shared_ptr<ZEBTiming> timing);
 
     std::string identifier_;
+    kit::NotificationCenter::Subscription willTerminate_;
     // In the order added, so that saving writes a stable store.
     std::vector<std::pair<std::string, std::shared_ptr<ZEBTiming>>> timings_;
 };

@@ -2,6 +2,7 @@
 
 #include "ads/ThirdParty/KBLStringEncoding.h"
 #include "kit/Log.h"
+#include "kit/SharedInstances.h"
 #include "kit/Url.h"
 
 #include <algorithm>
@@ -35,15 +36,14 @@ ZEBDeployment ZEBDeployment::withOverride(std::optional<std::string_view> adServ
 }
 
 const ZEBDeployment& ZEBDeployment::current() {
-    static const ZEBDeployment deployment = [] {
+    return kit::SharedInstances::current().get<ZEBDeployment>([] {
         const char* adServer = std::getenv("VANTOR_AD_SERVER");
-        if (!adServer || !*adServer) return withOverride(std::nullopt);
-        ZEBDeployment deployment = withOverride(adServer);
-        if (deployment.adServerURL == withOverride(std::nullopt).adServerURL &&
-            deployment.adServerURL != adServer)
+        if (!adServer || !*adServer) return std::make_shared<ZEBDeployment>(withOverride(std::nullopt));
+        auto deployment = std::make_shared<ZEBDeployment>(withOverride(adServer));
+        if (deployment->adServerURL == withOverride(std::nullopt).adServerURL &&
+            deployment->adServerURL != adServer)
             kit::Log::format("<Vantor> VANTOR_AD_SERVER is no http(s) URL with a host, using {}",
-                             deployment.adServerURL);
+                             deployment->adServerURL);
         return deployment;
-    }();
-    return deployment;
+    });
 }

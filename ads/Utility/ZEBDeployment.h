@@ -24,6 +24,7 @@ struct ZEBDeployment {
     // The key that enciphers precise locations; the ad server holds the same.
     std::array<uint8_t, 16> locationKey{};
 
+    // Read once per platform: the build's values, or the environment's override.
     static const ZEBDeployment& current();
 
     // The build's values, with the ad server (and the hosts derived from it) replaced by `adServer`

@@ -10,6 +10,7 @@
 #include "kit/FileManager.h"
 #include "kit/PropertyList.h"
 #include "kit/Screen.h"
+#include "kit/SharedInstances.h"
 
 #include <fmt/format.h>
 
@@ -18,11 +19,6 @@
 #include <charconv>
 
 namespace {
-std::unique_ptr<ZEBIdentifierUtilities>& sharedSlot() {
-    static std::unique_ptr<ZEBIdentifierUtilities> shared;
-    return shared;
-}
-
 std::optional<std::string> infoString(std::string_view key) {
     const kit::Value* value = kit::Bundle::main().objectForInfoDictionaryKey(key);
     if (!value || !value->string()) return std::nullopt;
@@ -31,12 +27,7 @@ std::optional<std::string> infoString(std::string_view key) {
 }  // namespace
 
 ZEBIdentifierUtilities& ZEBIdentifierUtilities::sharedInstance() {
-    if (!sharedSlot()) sharedSlot().reset(new ZEBIdentifierUtilities());
-    return *sharedSlot();
-}
-
-void ZEBIdentifierUtilities::reset() {
-    sharedSlot().reset();
+    return kit::shared<ZEBIdentifierUtilities>();
 }
 
 ZEBIdentifierUtilities::ZEBIdentifierUtilities()

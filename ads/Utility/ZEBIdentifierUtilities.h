@@ -15,9 +15,9 @@
 // capabilities are read anew for every request.
 class ZEBIdentifierUtilities {
 public:
+    // Made on first use; lives as long as the platform.
     static ZEBIdentifierUtilities& sharedInstance();
-    // Forgets the shared instance; test fixtures start from a fresh one.
-    static void reset();
+    ZEBIdentifierUtilities();
 
     // The raw unique identifier, as the system gives it (what test-device lists hold).
     static std::string deviceIdentifierOrSimulator();
@@ -59,8 +59,6 @@ public:
     kit::Value::Map parameters();
 
 private:
-    ZEBIdentifierUtilities();
-
     bool isPhoneIdiom_;
     bool isJailbroken_;
     std::optional<std::string> deviceIdentifier_;

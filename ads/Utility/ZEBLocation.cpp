@@ -2,7 +2,7 @@
 
 #include "ads/ThirdParty/KBLStringEncoding.h"
 #include "ads/Utility/ZEBDeployment.h"
-#include "kit/Platform.h"
+#include "kit/Clock.h"
 
 #include <fmt/format.h>
 
@@ -21,7 +21,7 @@ std::string webSafeBase64(std::span<const uint8_t> bytes) {
 }
 
 double now() {
-    return kit::Platform::current().secondsSince1970();
+    return kit::Clock::secondsSince1970();
 }
 }  // namespace
 

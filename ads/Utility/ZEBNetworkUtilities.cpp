@@ -1,12 +1,17 @@
 #include "ads/Utility/ZEBNetworkUtilities.h"
 
 #include "ads/ThirdParty/KBLStringEncoding.h"
+#include "kit/SharedInstances.h"
 
 namespace {
 
+// The user agent of the ad web views, once one has sent a request.
+struct UserAgent {
+    std::optional<std::string> text;
+};
+
 std::optional<std::string>& sharedUserAgent() {
-    static std::optional<std::string> userAgent;
-    return userAgent;
+    return kit::shared<UserAgent>().text;
 }
 
 // A decoded query part must be text: bytes that are not UTF-8 make the piece unreadable.
@@ -114,6 +119,3 @@ std::optional<std::string> ZEBNetworkUtilities::parameterValueForKeyFromURL(std:
     }
 }
 
-void ZEBNetworkUtilities::reset() {
-    sharedUserAgent().reset();
-}

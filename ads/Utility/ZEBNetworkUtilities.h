@@ -42,6 +42,4 @@ public:
     // equals `key` exactly.
     static std::optional<std::string> parameterValueForKeyFromURL(std::string_view key, const kit::Url& url);
 
-    // Forgets the user agent; test fixtures start without one.
-    static void reset();
 };

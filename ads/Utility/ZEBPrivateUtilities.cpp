@@ -1,13 +1,18 @@
 #include "ads/Utility/ZEBPrivateUtilities.h"
 
+#include "kit/SharedInstances.h"
+
 #include <unordered_map>
 
 namespace {
 // Keyed by address only: a key is never dereferenced, so a public object may remove its entry from
 // its destructor.
+struct Table {
+    std::unordered_map<const kit::Object*, std::shared_ptr<kit::Object>> objects;
+};
+
 std::unordered_map<const kit::Object*, std::shared_ptr<kit::Object>>& table() {
-    static std::unordered_map<const kit::Object*, std::shared_ptr<kit::Object>> objects;
-    return objects;
+    return kit::shared<Table>().objects;
 }
 }  // namespace
 
@@ -38,7 +43,3 @@ size_t ZEBPrivateUtilities::count() {
     return table().size();
 }
 
-void ZEBPrivateUtilities::reset() {
-    auto objects = std::move(table());
-    table().clear();
-}

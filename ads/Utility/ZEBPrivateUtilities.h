@@ -6,7 +6,8 @@
 
 // The process-wide table from a public object to its companion object (a banner view to its ad
 // object, a screen to its private half). Keys are not retained, values are: a public object makes
-// its companion in its constructor and removes it in its destructor.
+// its companion in its constructor and removes it in its destructor. The table lives as long as the
+// platform.
 class ZEBPrivateUtilities {
 public:
     static void setPrivateObjectForKey(std::shared_ptr<kit::Object> object, const kit::Object* key);
@@ -20,6 +21,4 @@ public:
     }
 
     static size_t count();
-    // Drops every entry; test fixtures start from an empty table.
-    static void reset();
 };

@@ -7,6 +7,7 @@
 #include "kit/Log.h"
 #include "kit/RunLoop.h"
 #include "kit/Window.h"
+#include "kit/port/PortKey.h"
 #include "kit/qt/QtPlatform.h"
 #include "kit/qt/QtWebPage.h"
 #include "kit/qt/QtWindowPeer.h"
@@ -43,7 +44,7 @@ void collectControls(const std::shared_ptr<View>& view, std::vector<std::shared_
 }
 
 bool saveScreenshot(Window& window, const std::string& file) {
-    auto* peer = dynamic_cast<qt::QtWindowPeer*>(window.peer());
+    auto* peer = dynamic_cast<qt::QtWindowPeer*>(window.peer(PortKey{}));
     if (!peer || !peer->grab().save(QString::fromStdString(file), "PNG")) {
         Log::format("Could not write the screenshot {}", file);
         return false;
@@ -68,8 +69,8 @@ void tapControls(const std::shared_ptr<Window>& window, std::function<void()> do
             Rect b = c->bounds();
             Point centre =
                 c->convertPointToView({b.minX() + b.width() / 2, b.minY() + b.height() / 2}, w.get());
-            w->touchDown(centre);
-            w->touchUp(centre);
+            w->touchDown(PortKey{}, centre);
+            w->touchUp(PortKey{}, centre);
         });
         at += kGap;
     }
@@ -81,7 +82,6 @@ void tapControls(const std::shared_ptr<Window>& window, std::function<void()> do
 int applicationMain(int argc, char** argv, const char* delegateClassName) {
     qt::QtWebPage::prepareEngine();
     QApplication qtApplication(argc, argv);
-    QApplication::setApplicationName("quiblo");
     Options options = parse(argc, argv);
     Platform::install(std::make_unique<qt::QtPlatform>(options.tablet ? UserInterfaceIdiom::Pad
                                                                       : UserInterfaceIdiom::Phone));
@@ -100,7 +100,7 @@ int applicationMain(int argc, char** argv, const char* delegateClassName) {
             delegate->setWindow(window);
         }
         application.setDelegate(delegate);
-        application.finishLaunching();
+        application.finishLaunching(PortKey{});
         if (window) window->makeKeyAndVisible();
 
         bool scripted = options.tapControls || !options.screenshot.empty();
@@ -116,7 +116,7 @@ int applicationMain(int argc, char** argv, const char* delegateClassName) {
             }
         }
         status = RunLoop::main().run();
-        application.terminate();
+        application.terminate(PortKey{});
     }
     Platform::uninstall();
     return status;

@@ -1,5 +1,6 @@
 #include "kit/qt/QtPlatform.h"
 
+#include "kit/port/PortKey.h"
 #include "kit/qt/NetworkMonitorReachability.h"
 #include "kit/qt/QtRunLoop.h"
 #include "kit/qt/QtUrlLoader.h"
@@ -25,17 +26,22 @@ std::filesystem::path standardFolder(QStandardPaths::StandardLocation location) 
 }  // namespace
 
 QtPlatform::QtPlatform(UserInterfaceIdiom idiom)
-    : runLoop_(std::make_unique<RunLoop>(std::make_unique<QtRunLoop>())),
+    : runLoop_(std::make_unique<RunLoop>(PortKey{}, std::make_unique<QtRunLoop>())),
       notificationCenter_(std::make_shared<NotificationCenter>()),
       sound_(std::make_unique<SdlSoundService>()),
       application_(std::make_shared<QtApplication>()) {
-    // Folders are named after the application: $XDG_CACHE_HOME/quiblo and so on.
-    if (QCoreApplication::applicationName().isEmpty()) QCoreApplication::setApplicationName("quiblo");
+    PortKey key;
+    auto resources =
+        std::filesystem::path(QCoreApplication::applicationDirPath().toStdString()) / "Resources";
+    // The information map is written beside the resources when the application is built.
+    bundle_.loadInfoDictionary(key, resources / "Info.plist");
+    // Folders are named after the application's executable: $XDG_CACHE_HOME/quiblo and so on.
+    const Value* executable = bundle_.objectForInfoDictionaryKey("CFBundleExecutable");
+    if (executable && executable->string() && !executable->string()->empty())
+        QCoreApplication::setApplicationName(QString::fromStdString(*executable->string()));
     auto caches = standardFolder(QStandardPaths::CacheLocation);
     auto data = standardFolder(QStandardPaths::AppDataLocation);
     auto config = standardFolder(QStandardPaths::AppConfigLocation);
-    auto resources =
-        std::filesystem::path(QCoreApplication::applicationDirPath().toStdString()) / "Resources";
     fileManager_ = std::make_unique<FileManager>(FileManager::Folders{caches, data / "Documents", resources});
     fileManager_->createFolder(caches);
     fileManager_->createFolder(data / "Documents");
@@ -43,11 +49,8 @@ QtPlatform::QtPlatform(UserInterfaceIdiom idiom)
 
     SystemDevice::fill(device_, idiom);
     bool tablet = idiom == UserInterfaceIdiom::Pad;
-    screen_.setBounds(tablet ? Rect{0, 0, 1024, 768} : Rect{0, 0, 480, 320});
-    if (QScreen* display = QGuiApplication::primaryScreen()) screen_.setScale(display->devicePixelRatio());
-
-    // The information map is written beside the resources when the application is built.
-    bundle_.loadInfoDictionary(resources / "Info.plist");
+    screen_.setBounds(key, tablet ? Rect{0, 0, 1024, 768} : Rect{0, 0, 480, 320});
+    if (QScreen* display = QGuiApplication::primaryScreen()) screen_.setScale(key, display->devicePixelRatio());
     // Without a machine identifier, one made up once and kept in the settings stands in for it.
     if (device_.uniqueIdentifier().empty()) {
         static constexpr const char* kKey = "QuibloDeviceIdentifier";
@@ -58,7 +61,7 @@ QtPlatform::QtPlatform(UserInterfaceIdiom idiom)
             userDefaults_->set(kKey, *kept);
             userDefaults_->synchronize();
         }
-        device_.setUniqueIdentifier(*kept);
+        device_.setUniqueIdentifier(key, *kept);
     }
 }
 
@@ -68,7 +71,7 @@ std::shared_ptr<Reachability> QtPlatform::createReachability(const std::string& 
 
 QtPlatform::~QtPlatform() = default;
 
-std::unique_ptr<UrlLoader> QtPlatform::makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client) {
+std::unique_ptr<UrlLoader> QtPlatform::createUrlLoader(const UrlRequest& request, UrlLoader::Client& client) {
     if (!network_) {
         network_ = std::make_unique<QNetworkAccessManager>();
         network_->setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
@@ -80,12 +83,6 @@ std::unique_ptr<UrlLoader> QtPlatform::makeUrlLoader(const UrlRequest& request, 
 std::unique_ptr<WebPage> QtPlatform::createWebPage(WebView& view) {
     QtWebPage::prepareEngine();
     return std::make_unique<QtWebPage>(view);
-}
-
-void QtPlatform::shutdown() {
-    Platform::shutdown();
-    application_->setDelegate(nullptr);
-    runLoop_->clear();
 }
 
 }  // namespace kit::qt

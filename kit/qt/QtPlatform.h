@@ -4,7 +4,7 @@
 #include "kit/Device.h"
 #include "kit/FileManager.h"
 #include "kit/NotificationCenter.h"
-#include "kit/Platform.h"
+#include "kit/port/Platform.h"
 #include "kit/RunLoop.h"
 #include "kit/Screen.h"
 #include "kit/UserDefaults.h"
@@ -41,12 +41,9 @@ public:
     AudioSession& audioSession() override { return audio_; }
     std::shared_ptr<Reachability> createReachability(const std::string& hostName) override;
     // On one QNetworkAccessManager for the process, which also keeps its cookies.
-    std::unique_ptr<UrlLoader> makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client) override;
+    std::unique_ptr<UrlLoader> createUrlLoader(const UrlRequest& request, UrlLoader::Client& client) override;
     // A page on the real web engine (QtWebPage).
     std::unique_ptr<WebPage> createWebPage(WebView& view) override;
-
-protected:
-    void shutdown() override;
 
 private:
     std::unique_ptr<RunLoop> runLoop_;

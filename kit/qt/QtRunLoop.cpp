@@ -1,5 +1,6 @@
 #include "kit/qt/QtRunLoop.h"
 
+#include "kit/port/PortKey.h"
 #include "kit/RunLoop.h"
 
 #include <QCoreApplication>
@@ -13,7 +14,7 @@ namespace kit::qt {
 QtRunLoop::QtRunLoop() : mainThread_(std::this_thread::get_id()) {
     timer_.setSingleShot(true);
     timer_.setTimerType(Qt::PreciseTimer);
-    QObject::connect(&timer_, &QTimer::timeout, this, [] { RunLoop::main().runDue(); });
+    QObject::connect(&timer_, &QTimer::timeout, this, [] { RunLoop::main().runDue(PortKey{}); });
 }
 
 QtRunLoop::~QtRunLoop() = default;
@@ -47,7 +48,7 @@ void QtRunLoop::postFromOtherThread(std::function<void()> call) {
     QMetaObject::invokeMethod(
         this,
         [call = std::move(call)] {
-            RunLoop::Turn turn;
+            RunLoop::Turn turn(PortKey{});
             call();
         },
         Qt::QueuedConnection);
@@ -57,7 +58,7 @@ void QtRunLoop::runOnMainAndWait(const std::function<void()>& call) {
     QMetaObject::invokeMethod(
         this,
         [&call] {
-            RunLoop::Turn turn;
+            RunLoop::Turn turn(PortKey{});
             call();
         },
         Qt::BlockingQueuedConnection);

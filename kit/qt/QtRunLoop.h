@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kit/RunLoopImplementation.h"
+#include "kit/port/RunLoopImplementation.h"
 
 #include <QObject>
 #include <QTimer>

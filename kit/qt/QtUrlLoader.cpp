@@ -1,6 +1,6 @@
 #include "kit/qt/QtUrlLoader.h"
 
-#include "kit/Platform.h"
+#include "kit/port/Platform.h"
 #include "kit/RunLoop.h"
 #include "kit/UrlError.h"
 
@@ -86,7 +86,7 @@ void QtUrlLoader::start() {
 void QtUrlLoader::cancel() {
     ended_ = true;
     reports_.clear();
-    if (Platform::isInstalled()) RunLoop::main().cancelCallsForTarget(this);
+    deliveries_.cancelAll();
     if (reply_) {
         QObject::disconnect(reply_, nullptr, nullptr, nullptr);
         reply_->abort();
@@ -135,7 +135,7 @@ void QtUrlLoader::replyFinished() {
     releaseReply();
 }
 
-std::shared_ptr<Error> QtUrlLoader::errorOf(QNetworkReply& reply) const {
+std::shared_ptr<const Error> QtUrlLoader::errorOf(QNetworkReply& reply) const {
     int code = urlErrorCode(reply.error());
     std::string description = code == UrlError::kUnknown ? reply.errorString().toStdString() : std::string();
     return UrlError::make(code, request_.url().absoluteString(), description);
@@ -143,7 +143,7 @@ std::shared_ptr<Error> QtUrlLoader::errorOf(QNetworkReply& reply) const {
 
 void QtUrlLoader::queue(std::function<void()> report) {
     reports_.push_back(std::move(report));
-    RunLoop::main().post([this] { deliverNext(); }, this);
+    deliveries_.post([this] { deliverNext(); });
 }
 
 void QtUrlLoader::deliverNext() {

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "kit/UrlLoader.h"
+#include "kit/CallGroup.h"
+#include "kit/port/UrlLoader.h"
 
 #include <QPointer>
 
@@ -29,7 +30,7 @@ private:
     void replyFinished();
     void queue(std::function<void()> report);
     void deliverNext();
-    std::shared_ptr<Error> errorOf(QNetworkReply& reply) const;
+    std::shared_ptr<const Error> errorOf(QNetworkReply& reply) const;
     void releaseReply();
 
     QNetworkAccessManager& manager_;
@@ -39,6 +40,7 @@ private:
     bool headSent_ = false;
     bool ended_ = false;
     std::deque<std::function<void()>> reports_;
+    CallGroup deliveries_;
 };
 
 }  // namespace kit::qt

@@ -1,5 +1,6 @@
 #include "kit/qt/QtViewPeer.h"
 
+#include "kit/port/PortKey.h"
 #include "kit/Button.h"
 #include "kit/Image.h"
 #include "kit/ImageView.h"
@@ -43,7 +44,7 @@ void QtViewPeer::restack() {
     auto superview = view_.superview();
     if (!superview) return;
     for (const auto& sibling : superview->subviews())
-        if (auto* peer = dynamic_cast<QtViewPeer*>(sibling->peer())) peer->raise();
+        if (auto* peer = dynamic_cast<QtViewPeer*>(sibling->peer(PortKey{}))) peer->raise();
 }
 
 void QtViewPeer::viewDidChange(Change change) {
@@ -51,7 +52,7 @@ void QtViewPeer::viewDidChange(Change change) {
         case Change::Frame:
             placeWidget();
             for (const auto& subview : view_.subviews())
-                if (auto* peer = dynamic_cast<QtViewPeer*>(subview->peer())) peer->placeWidget();
+                if (auto* peer = dynamic_cast<QtViewPeer*>(subview->peer(PortKey{}))) peer->placeWidget();
             break;
         case Change::Hidden:
             setVisible(!view_.isHidden());

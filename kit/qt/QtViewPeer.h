@@ -1,7 +1,7 @@
 #pragma once
 
 #include "kit/Color.h"
-#include "kit/ViewPeer.h"
+#include "kit/port/ViewPeer.h"
 
 #include <QColor>
 #include <QImage>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kit/ViewPeerFactory.h"
+#include "kit/port/ViewPeerFactory.h"
 
 namespace kit::qt {
 

@@ -1,5 +1,6 @@
 #include "kit/qt/QtWebPage.h"
 
+#include "kit/port/PortKey.h"
 #include "kit/Error.h"
 #include "kit/RunLoop.h"
 #include "kit/WebView.h"
@@ -113,7 +114,7 @@ void QtWebPage::evaluateScript(const std::string& script, std::function<void(std
     // The engine answers from its own event; the answer runs as a turn of the run loop.
     runJavaScript(QString::fromStdString(script),
                   [completion = std::move(completion)](const QVariant& value) {
-                      RunLoop::Turn turn;
+                      RunLoop::Turn turn(PortKey{});
                       completion(scriptResultText(value));
                   });
 }
@@ -177,7 +178,7 @@ std::optional<Url> QtWebPage::viewUrl(const QUrl& url) const {
 }
 
 bool QtWebPage::acceptNavigationRequest(const QUrl& url, NavigationType type, bool isMainFrame) {
-    RunLoop::Turn turn;
+    RunLoop::Turn turn(PortKey{});
     QUrl asked = url;
     WebViewNavigationType kind = navigationType(type);
     bool stringPage = isMainFrame && htmlLoadPending_ && url.scheme() == QLatin1String("data");
@@ -188,7 +189,7 @@ bool QtWebPage::acceptNavigationRequest(const QUrl& url, NavigationType type, bo
         kind = WebViewNavigationType::Other;
     }
     auto reported = fromQUrl(asked);
-    bool allowed = !reported || view().pageShouldStartLoad(*reported, kind);
+    bool allowed = !reported || view().pageShouldStartLoad(PortKey{}, *reported, kind);
     if (!isMainFrame) return allowed;
     acceptedUrl_ = allowed ? std::optional<QUrl>(url) : std::nullopt;
     if (allowed && !stringPage) htmlBaseUrl_.reset();
@@ -197,39 +198,42 @@ bool QtWebPage::acceptNavigationRequest(const QUrl& url, NavigationType type, bo
 
 // A page whose renderer died never finishes: its load fails.
 void QtWebPage::rendererDidEnd(RenderProcessTerminationStatus status, int exitCode) {
-    RunLoop::Turn turn;
-    auto keep = view().shared_from_this();
+    PortKey key;
+    RunLoop::Turn turn(key);
+    auto self = retained(&view());
     if (!std::exchange(reporting_, false)) return;
-    view().pageDidFailLoad(Error("WebViewErrorDomain", exitCode,
-                                 {{Error::kLocalizedDescriptionKey,
-                                   fmt::format("The page's renderer ended (status {})", int(status))}}));
+    view().pageDidFailLoad(key,
+                           Error::make("WebViewErrorDomain", exitCode,
+                                       {{Error::kLocalizedDescriptionKey,
+                                         fmt::format("The page's renderer ended (status {})", int(status))}}));
 }
 
 void QtWebPage::loadingDidChange(const QWebEngineLoadingInfo& info) {
-    RunLoop::Turn turn;
-    auto keep = view().shared_from_this();
+    PortKey key;
+    RunLoop::Turn turn(key);
+    auto self = retained(&view());
     switch (info.status()) {
         case QWebEngineLoadingInfo::LoadStartedStatus:
             // The engine starts (and at once stops) even the loads the delegate refused.
             reporting_ = acceptedUrl_ && *acceptedUrl_ == info.url();
             if (reporting_) {
-                if (auto url = viewUrl(info.url())) view().pageDidStartLoad(*url);
+                if (auto url = viewUrl(info.url())) view().pageDidStartLoad(key, *url);
             }
             break;
         case QWebEngineLoadingInfo::LoadSucceededStatus:
-            if (std::exchange(reporting_, false)) view().pageDidFinishLoad(viewUrl(url()));
+            if (std::exchange(reporting_, false)) view().pageDidFinishLoad(key, viewUrl(url()));
             break;
         case QWebEngineLoadingInfo::LoadStoppedStatus:
         case QWebEngineLoadingInfo::LoadFailedStatus:
             if (!std::exchange(reporting_, false)) break;
             // An HTTP error page is still a page.
             if (info.errorDomain() == QWebEngineLoadingInfo::HttpStatusCodeDomain) {
-                view().pageDidFinishLoad(viewUrl(url()));
+                view().pageDidFinishLoad(key, viewUrl(url()));
                 break;
             }
-            view().pageDidFailLoad(
-                Error("WebViewErrorDomain", info.errorCode(),
-                      {{Error::kLocalizedDescriptionKey, info.errorString().toStdString()}}));
+            view().pageDidFailLoad(key, Error::make("WebViewErrorDomain", info.errorCode(),
+                                                        {{Error::kLocalizedDescriptionKey,
+                                                          info.errorString().toStdString()}}));
             break;
     }
 }

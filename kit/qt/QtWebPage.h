@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kit/WebPage.h"
+#include "kit/port/WebPage.h"
 #include "kit/WebViewDelegate.h"
 
 #include <QUrl>

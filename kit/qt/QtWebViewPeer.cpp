@@ -1,5 +1,6 @@
 #include "kit/qt/QtWebViewPeer.h"
 
+#include "kit/port/PortKey.h"
 #include "kit/RunLoop.h"
 #include "kit/WebView.h"
 #include "kit/Window.h"
@@ -13,7 +14,7 @@ namespace kit::qt {
 
 QtWebViewPeer::QtWebViewPeer(WebView& view, QWidget* parent)
     : QtViewPeer(view, parent), webView_(view), engineView_(new QWebEngineView(this)) {
-    if (auto* page = dynamic_cast<QtWebPage*>(view.page())) engineView_->setPage(page);
+    if (auto* page = dynamic_cast<QtWebPage*>(view.page(PortKey{}))) engineView_->setPage(page);
     engineView_->setGeometry(rect());
     showBackground();
     engineView_->show();
@@ -36,13 +37,13 @@ void QtWebViewPeer::showBackground() {
 }
 
 QtWebViewPeer* QtWebViewPeer::pageAt(Window& window, QPointF point) {
-    RunLoop::Turn turn;
+    RunLoop::Turn turn(PortKey{});
     const Event event{EventType::Touches, RunLoop::main().now()};
     auto hit = window.hitTest({point.x(), point.y()}, &event);
     auto* webView = dynamic_cast<WebView*>(hit.get());
-    auto* peer = webView ? dynamic_cast<QtWebViewPeer*>(webView->peer()) : nullptr;
+    auto* peer = webView ? dynamic_cast<QtWebViewPeer*>(webView->peer(PortKey{})) : nullptr;
     if (!peer) return nullptr;
-    if (auto* page = dynamic_cast<QtWebPage*>(webView->page())) page->userDidTouch();
+    if (auto* page = dynamic_cast<QtWebPage*>(webView->page(PortKey{}))) page->userDidTouch();
     return peer;
 }
 

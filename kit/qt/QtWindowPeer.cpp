@@ -1,5 +1,6 @@
 #include "kit/qt/QtWindowPeer.h"
 
+#include "kit/port/PortKey.h"
 #include "kit/RunLoop.h"
 #include "kit/Window.h"
 #include "kit/qt/QtWebViewPeer.h"
@@ -37,14 +38,14 @@ void QtWindowPeer::mousePressEvent(QMouseEvent* event) {
     QPointF p = event->position();
     // Pages take their presses themselves, once the model has seen them.
     if ((pressedPage_ = QtWebViewPeer::pageAt(window_, p))) return pressedPage_->forwardMouse(*this, *event);
-    window_.touchDown({p.x(), p.y()});
+    window_.touchDown(PortKey{}, {p.x(), p.y()});
 }
 
 void QtWindowPeer::mouseMoveEvent(QMouseEvent* event) {
     if (!touching_) return;
     if (pressedPage_) return pressedPage_->forwardMouse(*this, *event);
     QPointF p = event->position();
-    window_.touchMoved({p.x(), p.y()});
+    window_.touchMoved(PortKey{}, {p.x(), p.y()});
 }
 
 void QtWindowPeer::mouseReleaseEvent(QMouseEvent* event) {
@@ -52,7 +53,7 @@ void QtWindowPeer::mouseReleaseEvent(QMouseEvent* event) {
     touching_ = false;
     if (auto page = std::exchange(pressedPage_, nullptr)) return page->forwardMouse(*this, *event);
     QPointF p = event->position();
-    window_.touchUp({p.x(), p.y()});
+    window_.touchUp(PortKey{}, {p.x(), p.y()});
 }
 
 // Closing the device's screen ends the application.

@@ -1,5 +1,7 @@
 #include "kit/qt/SystemDevice.h"
 
+#include "kit/port/PortKey.h"
+
 #include <sys/utsname.h>
 #include <unistd.h>
 
@@ -28,20 +30,21 @@ std::string SystemDevice::machineId() {
 }
 
 void SystemDevice::fill(Device& device, UserInterfaceIdiom idiom) {
-    device.setUserInterfaceIdiom(idiom);
+    PortKey key;
+    device.setUserInterfaceIdiom(key, idiom);
     struct utsname names {};
     if (uname(&names) == 0) {
-        device.setSystemName(names.sysname);
-        device.setSystemVersion(names.release);
-        device.setMachine(names.machine);
-        device.setName(names.nodename);
+        device.setSystemName(key, names.sysname);
+        device.setSystemVersion(key, names.release);
+        device.setMachine(key, names.machine);
+        device.setName(key, names.nodename);
     }
     std::string product = firstLine("/sys/devices/virtual/dmi/id/product_name");
-    device.setModel(product.empty() ? "Linux" : product);
-    device.setUniqueIdentifier(machineId());
-    device.setPreferredLanguages(Device::languagesFromLocaleVariables(
+    device.setModel(key, product.empty() ? "Linux" : product);
+    device.setUniqueIdentifier(key, machineId());
+    device.setPreferredLanguages(key, Device::languagesFromLocaleVariables(
         std::getenv("LANGUAGE"), std::getenv("LC_ALL"), std::getenv("LC_MESSAGES"), std::getenv("LANG")));
-    device.setSuperuser(geteuid() == 0);
+    device.setSuperuser(key, geteuid() == 0);
 }
 
 }  // namespace kit::qt

@@ -1,6 +1,6 @@
 #include "kit/sim/SimHttp.h"
 
-#include "kit/Platform.h"
+#include "kit/CallGroup.h"
 #include "kit/RunLoop.h"
 #include "kit/UrlError.h"
 
@@ -32,7 +32,7 @@ SimAnswer SimAnswer::failing(int urlErrorCode, double delay) {
     return answer;
 }
 
-// Plays one answer on the run loop. Every report is a call of its own aimed at this loader, so
+// Plays one answer on the run loop. Every report is a call of its own in this loader's group, so
 // cancelling or destroying it drops whatever has not been reported yet.
 class SimHttp::Loader : public UrlLoader {
 public:
@@ -43,20 +43,34 @@ public:
     void start() override {
         if (started_) return;
         started_ = true;
+        if (request_.httpShouldHandleCookies()) network_.addCookies(request_);
         network_.sent_.push_back({request_, RunLoop::main().now()});
         ++*openCount_;
         open_ = true;
         SimAnswer answer = network_.answer(request_);
-        RunLoop& loop = RunLoop::main();
-        double at = answer.delay;
+        // Each wait is for progress: one longer than the time-out ends the exchange.
+        const double timeout = request_.timeoutInterval();
+        double at = 0;
+        auto wait = [&](double gap) {
+            if (timeout > 0 && gap > timeout) {
+                reports_.postAfter(at + timeout, [this] {
+                    end(false, UrlError::make(UrlError::kTimedOut, request_.url().absoluteString()));
+                });
+                return false;
+            }
+            at += gap;
+            return true;
+        };
+        if (!wait(answer.delay)) return;
         if (answer.status != 0) {
             UrlResponse head(request_.url(), answer.status, answer.headers);
-            loop.postAfter(
-                at, [this, head] { client_.loaderDidReceiveResponse(head); }, this);
+            reports_.postAfter(at, [this, head] {
+                if (request_.httpShouldHandleCookies()) network_.keepCookies(request_, head.allHeaderFields());
+                client_.loaderDidReceiveResponse(head);
+            });
             for (size_t i = 0; i < answer.body.size(); ++i) {
-                if (i > 0) at += answer.pieceInterval;
-                loop.postAfter(
-                    at, [this, piece = answer.body[i]] { client_.loaderDidReceiveData(piece); }, this);
+                if (i > 0 && !wait(answer.pieceInterval)) return;
+                reports_.postAfter(at, [this, piece = answer.body[i]] { client_.loaderDidReceiveData(piece); });
             }
         }
         if (answer.failure) {
@@ -64,16 +78,14 @@ public:
             if (error->domain() == UrlError::kDomain && error->code() != UrlError::kUnknown)
                 error = UrlError::make(static_cast<int>(error->code()), request_.url().absoluteString(),
                                        error->localizedDescription());
-            loop.postAfter(
-                at, [this, error] { end(false, error); }, this);
+            reports_.postAfter(at, [this, error] { end(false, error); });
         } else {
-            loop.postAfter(
-                at, [this] { end(true, nullptr); }, this);
+            reports_.postAfter(at, [this] { end(true, nullptr); });
         }
     }
 
     void cancel() override {
-        if (Platform::isInstalled()) RunLoop::main().cancelCallsForTarget(this);
+        reports_.cancelAll();
         close();
     }
 
@@ -97,6 +109,7 @@ private:
     UrlLoader::Client& client_;
     bool started_ = false;
     bool open_ = false;
+    CallGroup reports_;
 };
 
 void SimHttp::respond(const std::string& url, Script script) {
@@ -124,6 +137,30 @@ SimAnswer SimHttp::answer(const UrlRequest& request) const {
     return script->second(request);
 }
 
+void SimHttp::keepCookies(const UrlRequest& request, const HttpHeaders& headers) {
+    auto set = headers.value("Set-Cookie");
+    if (!set) return;
+    auto& jar = cookies_[request.url().host().value_or("")];
+    // Repeated fields arrive folded with ", "; attributes after ";" are not kept.
+    std::string_view rest = *set;
+    while (!rest.empty()) {
+        std::string_view field = rest.substr(0, rest.find(", "));
+        rest.remove_prefix(std::min(rest.size(), field.size() + 2));
+        std::string_view pair = field.substr(0, field.find(';'));
+        size_t equals = pair.find('=');
+        if (equals == std::string_view::npos || equals == 0) continue;
+        jar[std::string(pair.substr(0, equals))] = std::string(pair.substr(equals + 1));
+    }
+}
+
+void SimHttp::addCookies(UrlRequest& request) const {
+    auto jar = cookies_.find(request.url().host().value_or(""));
+    if (jar == cookies_.end() || jar->second.empty()) return;
+    std::string header;
+    for (const auto& [name, value] : jar->second) header += (header.empty() ? "" : "; ") + name + "=" + value;
+    request.setValueForHttpHeaderField(header, "Cookie");
+}
+
 size_t SimHttp::requestCount(std::string_view url) const {
     return static_cast<size_t>(std::count_if(sent_.begin(), sent_.end(), [&](const SentRequest& sent) {
         return sent.request.url().absoluteString() == url;
@@ -136,7 +173,7 @@ const UrlRequest* SimHttp::lastRequest(std::string_view url) const {
     return nullptr;
 }
 
-std::unique_ptr<UrlLoader> SimHttp::makeLoader(const UrlRequest& request, UrlLoader::Client& client) {
+std::unique_ptr<UrlLoader> SimHttp::createLoader(const UrlRequest& request, UrlLoader::Client& client) {
     return std::make_unique<Loader>(*this, request, client);
 }
 

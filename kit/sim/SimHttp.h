@@ -2,7 +2,7 @@
 
 #include "kit/Error.h"
 #include "kit/HttpHeaders.h"
-#include "kit/UrlLoader.h"
+#include "kit/port/UrlLoader.h"
 #include "kit/UrlRequest.h"
 
 #include <functional>
@@ -36,7 +36,9 @@ struct SimAnswer {
 // The simulated HTTP network: answers scripted per URL, and a log of every request sent. A request is
 // answered by the script for its URL as written, else by the one for the URL without its query
 // (so that cache-busting parameters need no script of their own). A URL without a script cannot
-// be reached (UrlError::kCannotConnectToHost).
+// be reached (UrlError::kCannotConnectToHost). As a real network does, it keeps the cookies that
+// answers set (per host) and sends them with requests that handle cookies, and it ends an exchange
+// that makes no progress for longer than the request's time-out (UrlError::kTimedOut).
 class SimHttp {
 public:
     using Script = std::function<SimAnswer(const UrlRequest&)>;
@@ -60,13 +62,16 @@ public:
     // How many exchanges are under way.
     size_t openExchanges() const { return *open_; }
 
-    std::unique_ptr<UrlLoader> makeLoader(const UrlRequest& request, UrlLoader::Client& client);
+    std::unique_ptr<UrlLoader> createLoader(const UrlRequest& request, UrlLoader::Client& client);
 
 private:
     class Loader;
     SimAnswer answer(const UrlRequest& request) const;
+    void keepCookies(const UrlRequest& request, const HttpHeaders& headers);
+    void addCookies(UrlRequest& request) const;
 
     std::map<std::string, Script, std::less<>> scripts_;
+    std::map<std::string, std::map<std::string, std::string>> cookies_;  // by host, then name
     std::vector<SentRequest> sent_;
     // Shared with the loaders, which may outlive the network by a little at tear-down.
     std::shared_ptr<size_t> open_ = std::make_shared<size_t>(0);

@@ -22,21 +22,22 @@ std::filesystem::path makeFolder() {
 
 SimPlatform::SimPlatform()
     : clock_(new SimRunLoop),
-      runLoop_(std::make_unique<RunLoop>(std::unique_ptr<RunLoopImplementation>(clock_))),
+      runLoop_(std::make_unique<RunLoop>(PortKey{}, std::unique_ptr<RunLoopImplementation>(clock_))),
       notificationCenter_(std::make_shared<NotificationCenter>()),
       folder_(makeFolder()),
       fileManager_(std::make_unique<FileManager>(
           FileManager::Folders{folder_ / "Caches", folder_ / "Documents", folder_ / "Resources"})),
       application_(std::make_shared<SimApplication>()) {
-    device_.setUserInterfaceIdiom(UserInterfaceIdiom::Phone);
-    device_.setModel("Simulator");
-    device_.setSystemName("Linux");
-    device_.setSystemVersion("6.1.0");
-    device_.setUniqueIdentifier("sim-device-0001");
-    device_.setMachine("x86_64");
-    device_.setName("sim");
-    screen_.setBounds({0, 0, 480, 320});
-    screen_.setScale(1.0);
+    PortKey key;
+    device_.setUserInterfaceIdiom(key, UserInterfaceIdiom::Phone);
+    device_.setModel(key, "Simulator");
+    device_.setSystemName(key, "Linux");
+    device_.setSystemVersion(key, "6.1.0");
+    device_.setUniqueIdentifier(key, "sim-device-0001");
+    device_.setMachine(key, "x86_64");
+    device_.setName(key, "sim");
+    screen_.setBounds(key, {0, 0, 480, 320});
+    screen_.setScale(key, 1.0);
 }
 
 SimPlatform::~SimPlatform() {
@@ -44,18 +45,14 @@ SimPlatform::~SimPlatform() {
     std::filesystem::remove_all(folder_, ec);
 }
 
-void SimPlatform::shutdown() {
-    Platform::shutdown();
-    application_->setDelegate(nullptr);
-    runLoop_->clear();
-}
-
 double SimPlatform::secondsSince1970() const {
     return kStartDate + (clock_->now() - SimRunLoop::kStartTime);
 }
 
 std::unique_ptr<WebPage> SimPlatform::createWebPage(WebView& view) {
-    return std::make_unique<SimWebPage>(view);
+    auto page = std::make_unique<SimWebPage>(view);
+    page->setFinishesLoads(pagesFinishLoads_);
+    return page;
 }
 
 SimPlatform& SimPlatform::install() {
@@ -65,8 +62,8 @@ SimPlatform& SimPlatform::install() {
     return ref;
 }
 
-std::unique_ptr<UrlLoader> SimPlatform::makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client) {
-    return http_.makeLoader(request, client);
+std::unique_ptr<UrlLoader> SimPlatform::createUrlLoader(const UrlRequest& request, UrlLoader::Client& client) {
+    return http_.createLoader(request, client);
 }
 
 SimPlatform& SimPlatform::current() {

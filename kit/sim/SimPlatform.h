@@ -4,7 +4,8 @@
 #include "kit/Device.h"
 #include "kit/FileManager.h"
 #include "kit/NotificationCenter.h"
-#include "kit/Platform.h"
+#include "kit/port/Platform.h"
+#include "kit/port/PortKey.h"
 #include "kit/RunLoop.h"
 #include "kit/Screen.h"
 #include "kit/UserDefaults.h"
@@ -39,7 +40,7 @@ public:
     FileManager& fileManager() override { return *fileManager_; }
     UserDefaults& userDefaults() override { return userDefaults_; }
     SoundService& soundService() override { return sound_; }
-    std::unique_ptr<UrlLoader> makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client) override;
+    std::unique_ptr<UrlLoader> createUrlLoader(const UrlRequest& request, UrlLoader::Client& client) override;
     Bundle& mainBundle() override { return bundle_; }
     AudioSession& audioSession() override { return audio_; }
     std::shared_ptr<Reachability> createReachability(const std::string& hostName) override {
@@ -49,6 +50,8 @@ public:
     double secondsSince1970() const override;
     // A scripted page (SimWebPage).
     std::unique_ptr<WebPage> createWebPage(WebView& view) override;
+    // Whether pages made from now on finish their loads by themselves (SimWebPage::setFinishesLoads).
+    void setWebPagesFinishLoads(bool finish) { pagesFinishLoads_ = finish; }
 
     SimRunLoop& clock() { return *clock_; }
     SimApplication& simApplication() { return *application_; }
@@ -60,9 +63,6 @@ public:
     SimNetwork& network() { return network_; }
     // The wall clock when the platform starts: 2024-01-01 00:00:00 UTC.
     static constexpr double kStartDate = 1704067200.0;
-
-protected:
-    void shutdown() override;
 
 private:
     // Declared first, destroyed last: everything else may still schedule or cancel calls.
@@ -80,6 +80,7 @@ private:
     Bundle bundle_;
     SimAudioSession audio_;
     SimNetwork network_;
+    bool pagesFinishLoads_ = false;
 };
 
 }  // namespace kit::sim

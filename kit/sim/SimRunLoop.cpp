@@ -1,5 +1,7 @@
 #include "kit/sim/SimRunLoop.h"
 
+#include "kit/port/PortKey.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <future>
@@ -24,7 +26,7 @@ bool SimRunLoop::runInbox() {
         calls.swap(inbox_);
     }
     for (auto& call : calls) {
-        RunLoop::Turn turn(loop());
+        RunLoop::Turn turn(PortKey{}, loop());
         call();
     }
     return !calls.empty();
@@ -38,7 +40,7 @@ size_t SimRunLoop::runUntilIdle() {
             std::abort();
         }
         bool fromInbox = runInbox();
-        size_t ran = loop().runDue();
+        size_t ran = loop().runDue(PortKey{});
         total += ran;
         if (ran == 0 && !fromInbox) return total;
     }
@@ -47,7 +49,7 @@ size_t SimRunLoop::runUntilIdle() {
 void SimRunLoop::advance(double seconds) {
     const double target = now_ + (seconds > 0 ? seconds : 0);
     runUntilIdle();
-    while (auto next = loop().nextDeadline()) {
+    while (auto next = loop().nextDeadline(PortKey{})) {
         if (*next > target) break;
         if (*next > now_) now_ = *next;
         runUntilIdle();
@@ -59,7 +61,7 @@ void SimRunLoop::advance(double seconds) {
 void SimRunLoop::advanceUntilIdle(double limit) {
     const double end = now_ + limit;
     runUntilIdle();
-    while (auto next = loop().nextDeadline()) {
+    while (auto next = loop().nextDeadline(PortKey{})) {
         if (*next > end) break;
         if (*next > now_) now_ = *next;
         runUntilIdle();
@@ -79,7 +81,7 @@ int SimRunLoop::exec() {
     while (!quit_) {
         runUntilIdle();
         if (quit_) break;
-        auto next = loop().nextDeadline();
+        auto next = loop().nextDeadline(PortKey{});
         if (!next) break;
         if (*next > now_) now_ = *next;
     }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "kit/RunLoop.h"
-#include "kit/RunLoopImplementation.h"
+#include "kit/port/RunLoopImplementation.h"
 
 #include <condition_variable>
 #include <deque>

@@ -1,8 +1,9 @@
 #include "kit/sim/SimWebPage.h"
 
 #include "kit/Error.h"
-#include "kit/Platform.h"
+#include "kit/RunLoop.h"
 #include "kit/WebView.h"
+#include "kit/port/PortKey.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -11,13 +12,10 @@ namespace kit::sim {
 
 SimWebPage::SimWebPage(WebView& view) : WebPage(view) {}
 
-SimWebPage::~SimWebPage() {
-    // Loads, finishes and script answers still queued for this page.
-    if (Platform::isInstalled()) RunLoop::main().cancelCallsForTarget(this);
-}
+SimWebPage::~SimWebPage() = default;
 
 SimWebPage& SimWebPage::of(WebView& view) {
-    auto* page = dynamic_cast<SimWebPage*>(view.page());
+    auto* page = dynamic_cast<SimWebPage*>(view.page(PortKey{}));
     if (!page) {
         std::fputs("kit: this web view has no simulated page\n", stderr);
         std::abort();
@@ -26,9 +24,10 @@ SimWebPage& SimWebPage::of(WebView& view) {
 }
 
 bool SimWebPage::navigate(const Url& url, WebViewNavigationType type) {
-    RunLoop::Turn turn;
-    auto keep = view().shared_from_this();
-    if (!view().pageShouldStartLoad(url, type)) return false;
+    PortKey key;
+    RunLoop::Turn turn(key);
+    auto self = retained(&view());
+    if (!view().pageShouldStartLoad(key, url, type)) return false;
     cancelPendingFinish();
     if (type != WebViewNavigationType::BackForward && type != WebViewNavigationType::Reload) {
         if (!history_.empty())
@@ -36,30 +35,30 @@ bool SimWebPage::navigate(const Url& url, WebViewNavigationType type) {
         history_.push_back(url);
         index_ = history_.size() - 1;
     }
-    view().pageDidStartLoad(url);
+    view().pageDidStartLoad(key, url);
     if (finishesLoads_) {
-        pendingFinish_ = RunLoop::main().post(
-            [this] {
-                pendingFinish_.reset();
-                finish();
-            },
-            this);
+        pendingFinish_ = calls_.post([this] {
+            pendingFinish_.reset();
+            finish();
+        });
     }
     return true;
 }
 
 void SimWebPage::finish() {
-    RunLoop::Turn turn;
+    PortKey key;
+    RunLoop::Turn turn(key);
     cancelPendingFinish();
-    if (view().isLoading()) view().pageDidFinishLoad(std::nullopt);
+    if (view().isLoading()) view().pageDidFinishLoad(key, std::nullopt);
 }
 
 void SimWebPage::fail(int64_t code, std::string description) {
-    RunLoop::Turn turn;
+    PortKey key;
+    RunLoop::Turn turn(key);
     cancelPendingFinish();
     if (!view().isLoading()) return;
-    Error error("WebViewErrorDomain", code, {{Error::kLocalizedDescriptionKey, std::move(description)}});
-    view().pageDidFailLoad(error);
+    view().pageDidFailLoad(key, Error::make("WebViewErrorDomain", code,
+                                            {{Error::kLocalizedDescriptionKey, std::move(description)}}));
 }
 
 void SimWebPage::loadHtmlString(const std::string& html, const std::optional<Url>& baseUrl) {
@@ -73,14 +72,13 @@ void SimWebPage::loadRequest(const Url& url) {
 void SimWebPage::load(Load request) {
     loads_.push_back(request);
     auto url = request.url ? *request.url : *Url::parse("about:blank");
-    RunLoop::main().post([this, url] { navigate(url, WebViewNavigationType::Other); }, this);
+    calls_.post([this, url] { navigate(url, WebViewNavigationType::Other); });
 }
 
 void SimWebPage::evaluateScript(const std::string& script, std::function<void(std::string)> completion) {
     scripts_.push_back(script);
     std::string result = answer_ ? answer_(script) : std::string();
-    RunLoop::main().post(
-        [completion = std::move(completion), result = std::move(result)] { completion(result); }, this);
+    calls_.post([completion = std::move(completion), result = std::move(result)] { completion(result); });
 }
 
 void SimWebPage::moveInHistory(size_t index) {
@@ -105,7 +103,7 @@ void SimWebPage::stopLoading() {
 }
 
 void SimWebPage::cancelPendingFinish() {
-    if (pendingFinish_) RunLoop::main().cancel(*pendingFinish_);
+    if (pendingFinish_) calls_.cancel(*pendingFinish_);
     pendingFinish_.reset();
 }
 

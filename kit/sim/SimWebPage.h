@@ -1,7 +1,7 @@
 #pragma once
 
-#include "kit/RunLoop.h"
-#include "kit/WebPage.h"
+#include "kit/CallGroup.h"
+#include "kit/port/WebPage.h"
 #include "kit/WebViewDelegate.h"
 
 #include <functional>
@@ -70,7 +70,8 @@ private:
     size_t index_ = 0;
     bool finishesLoads_ = false;
     std::function<std::string(const std::string&)> answer_;
-    std::optional<RunLoop::CallId> pendingFinish_;
+    std::optional<CallGroup::CallId> pendingFinish_;
+    CallGroup calls_;  // loads, finishes and script answers still to come
 };
 
 }  // namespace kit::sim

@@ -107,10 +107,10 @@ TEST_F(SoundboardTest, EachButtonPlaysItsOwnClipWhenTheFingerLandsNotWhenItLifts
     std::vector<std::string> expected;
     for (size_t i = 0; i < ViewController::kButtonCount; ++i) {
         kit::Point p = centreOf(*vc->soundButton(i));
-        window->touchDown(p);
+        window->touchDown(kPort, p);
         expected.push_back(fmt::format("Sound{}.mp3", i + 1));
         EXPECT_EQ(heardFiles(), expected) << "on touch-down of button " << i + 1;
-        window->touchUp(p);
+        window->touchUp(kPort, p);
         EXPECT_EQ(heardFiles().size(), expected.size()) << "nothing more on touch-up";
     }
 }
@@ -120,8 +120,8 @@ TEST_F(SoundboardTest, QuickTouchesPlayAgainWhileTheFirstStillSounds) {
     auto window = launch();
     kit::Point p = centreOf(*controller(*window)->soundButton(14));
     for (int i = 0; i < 2; ++i) {
-        window->touchDown(p);
-        window->touchUp(p);
+        window->touchDown(kPort, p);
+        window->touchUp(kPort, p);
         advance(0.05);
     }
     EXPECT_EQ(heardFiles(), (std::vector<std::string>{"Sound15.mp3", "Sound15.mp3"}));
@@ -133,8 +133,8 @@ TEST_F(SoundboardTest, MissingClipsAndButtonsWithoutASoundStaySilent) {
     auto vc = controller(*window);
     EXPECT_NE(vc->soundButton(0)->theSound()->soundID(), 0u);
     EXPECT_EQ(vc->soundButton(1)->theSound()->soundID(), 0u);
-    window->touchDown(centreOf(*vc->soundButton(1)));
-    window->touchUp(centreOf(*vc->soundButton(1)));
+    window->touchDown(kPort, centreOf(*vc->soundButton(1)));
+    window->touchUp(kPort, centreOf(*vc->soundButton(1)));
     EXPECT_TRUE(heardFiles().empty());
 
     auto silent = std::make_shared<SoundButton>(kit::Rect{0, 0, 40, 40});

@@ -37,7 +37,7 @@ public:
         ++fails;
         error = std::move(e);
     }
-    std::shared_ptr<kit::Error> cachedFileShouldRedirectToURL(ZEBCachedFile&, const kit::Url&) override {
+    std::shared_ptr<const kit::Error> cachedFileShouldRedirectToURL(ZEBCachedFile&, const kit::Url&) override {
         return nullptr;
     }
     void trackerDidRedirect(ZEBClickTracker&, const kit::Url& to) override {

@@ -5,6 +5,7 @@
 #include "kit/RunLoop.h"
 #include "kit/Window.h"
 #include "kit/qt/QtPlatform.h"
+#include "kit/port/PortKey.h"
 #include "tests/integration/support/QtTestApplication.h"
 
 #include <QApplication>
@@ -60,8 +61,8 @@ std::vector<int16_t> playSession(size_t index, std::vector<double> times, double
         kit::Point centre = button->convertPointToView({b.width() / 2, b.height() / 2}, nullptr);
         for (double t : times)
             kit::RunLoop::main().postAfter(t, [window, centre] {
-                window->touchDown(centre);
-                window->touchUp(centre);
+                window->touchDown(kit::PortKey{}, centre);
+                window->touchUp(kit::PortKey{}, centre);
             });
         kit::RunLoop::main().postAfter(seconds, [] { kit::RunLoop::main().quit(0); });
         kit::RunLoop::main().run();

@@ -28,21 +28,22 @@ class ApplicationTest : public SimTest {
 protected:
     void SetUp() override {
         SimTest::SetUp();
-        kit::NotificationCenter::defaultCenter().addObserver(
-            this, "", &Application::shared(), [this](const kit::Notification& n) { log.push_back(n.name); });
+        notices = kit::NotificationCenter::defaultCenter().addObserver(
+            "", &Application::shared(), [this](const kit::Notification& n) { log.push_back(n.name); });
     }
     Application& app() { return Application::shared(); }
     std::vector<std::string> log;
+    kit::NotificationCenter::Subscription notices;
 };
 
 TEST_F(ApplicationTest, LifeCycleTellsTheDelegateThenPostsEachNotice) {
     app().setDelegate(std::make_shared<RecordingDelegate>(log));
-    app().finishLaunching();
+    app().finishLaunching(kPort);
     EXPECT_EQ(app().state(), ApplicationState::Active);
-    app().enterBackground();
+    app().enterBackground(kPort);
     EXPECT_EQ(app().state(), ApplicationState::Background);
-    app().becomeActive();
-    app().terminate();
+    app().becomeActive(kPort);
+    app().terminate(kPort);
     EXPECT_EQ(log, (std::vector<std::string>{
                        "delegate:launched",
                        Application::kDidFinishLaunchingNotification,
@@ -62,14 +63,14 @@ TEST_F(ApplicationTest, LifeCycleTellsTheDelegateThenPostsEachNotice) {
 }
 
 TEST_F(ApplicationTest, TransitionsThatDoNotApplyDoNothing) {
-    app().finishLaunching();
+    app().finishLaunching(kPort);
     log.clear();
-    app().becomeActive();
-    app().enterForeground();
-    app().finishLaunching();
+    app().becomeActive(kPort);
+    app().enterForeground(kPort);
+    app().finishLaunching(kPort);
     EXPECT_TRUE(log.empty());
-    app().resignActive();
-    app().resignActive();
+    app().resignActive(kPort);
+    app().resignActive(kPort);
     EXPECT_EQ(log, (std::vector<std::string>{Application::kWillResignActiveNotification}));
     EXPECT_EQ(app().state(), ApplicationState::Inactive);
 }
@@ -82,8 +83,8 @@ TEST_F(ApplicationTest, BackgroundTasksExpireOnceAndEndedOnesNever) {
     EXPECT_NE(a, b);
     app().endBackgroundTask(b);
     EXPECT_EQ(app().openBackgroundTaskCount(), 1u);
-    app().expireBackgroundTasks();
-    app().expireBackgroundTasks();
+    app().expireBackgroundTasks(kPort);
+    app().expireBackgroundTasks(kPort);
     EXPECT_EQ(expiredA, 1);
     EXPECT_EQ(expiredB, 0);
     EXPECT_EQ(app().openBackgroundTaskCount(), 0u);
@@ -96,13 +97,4 @@ TEST_F(ApplicationTest, OpensOnlyWhatSomethingHandles) {
     EXPECT_TRUE(app().openUrl(*kit::Url::parse("itms-apps://store/app")));
     EXPECT_FALSE(app().openUrl(*kit::Url::parse("kindle://home")));
     EXPECT_EQ(sim.openedUrls(), (std::vector<std::string>{"itms-apps://store/app"}));
-}
-
-TEST_F(ApplicationTest, StatusBarAndIdleTimerKeepTheirSettings) {
-    app().setStatusBarHidden(true);
-    app().setIdleTimerDisabled(true);
-    app().setStatusBarOrientation(kit::InterfaceOrientation::Portrait);
-    EXPECT_TRUE(app().isStatusBarHidden());
-    EXPECT_TRUE(app().isIdleTimerDisabled());
-    EXPECT_FALSE(kit::InterfaceOrientation::isLandscape(app().statusBarOrientation()));
 }

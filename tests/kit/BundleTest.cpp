@@ -1,4 +1,5 @@
 #include "kit/Bundle.h"
+#include "tests/support/SimTest.h"
 
 #include <gtest/gtest.h>
 
@@ -16,11 +17,11 @@ TEST(Bundle, LoadsItsInformationMapOrStaysEmpty) {
     std::ofstream(file) << R"(<?xml version="1.0"?><plist version="1.0"><dict>
 <key>CFBundleIdentifier</key><string>org.quiblo.soundboard</string></dict></plist>)";
     kit::Bundle bundle;
-    bundle.loadInfoDictionary(file);
+    bundle.loadInfoDictionary(kPort, file);
     ASSERT_TRUE(bundle.objectForInfoDictionaryKey("CFBundleIdentifier"));
     EXPECT_EQ(*bundle.objectForInfoDictionaryKey("CFBundleIdentifier"), Value("org.quiblo.soundboard"));
     std::ofstream(file) << R"(<?xml version="1.0"?><plist version="1.0"><string>x</string></plist>)";
-    bundle.loadInfoDictionary(file);
+    bundle.loadInfoDictionary(kPort, file);
     EXPECT_TRUE(bundle.infoDictionary().empty());
     std::filesystem::remove_all(folder);
 }

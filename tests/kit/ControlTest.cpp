@@ -20,46 +20,65 @@ namespace {
 class ControlTest : public SimTest {};
 }  // namespace
 
-TEST_F(ControlTest, ActionsRunForTheirEventsInOrderAndCanBeRemoved) {
+namespace {
+struct Receiver : kit::Object {
+    Log* log;
+    std::string name;
+    Receiver(Log& l, std::string n) : log(&l), name(std::move(n)) {}
+    void act(Control&) { log->push_back(name); }
+};
+}  // namespace
+
+TEST_F(ControlTest, ActionsRunForTheirEventsInOrderAndCanBeRemovedByTarget) {
     auto control = std::make_shared<Control>();
     Log log;
-    int first = 0, second = 0;
-    auto note = [&](std::string line) { return [&log, line](Control&) { log.push_back(line); }; };
-    control->addTargetActionForControlEvents(&first, note("first"),
+    auto first = std::make_shared<Receiver>(log, "first");
+    auto second = std::make_shared<Receiver>(log, "second");
+    control->addTargetActionForControlEvents(first, &Receiver::act,
                                              ControlEvent::TouchDown | ControlEvent::TouchUpInside);
-    control->addTargetActionForControlEvents(&second, note("second"), ControlEvent::TouchUpInside);
-    control->addTargetActionForControlEvents(nullptr, note("anonymous"), ControlEvent::ValueChanged);
+    control->addTargetActionForControlEvents(second, &Receiver::act, ControlEvent::TouchUpInside);
+    control->addActionForControlEvents([&](Control&) { log.push_back("own"); }, ControlEvent::ValueChanged);
 
     control->sendActionsForControlEvents(ControlEvent::TouchDown | ControlEvent::TouchUpInside);
     control->sendActionsForControlEvents(ControlEvent::TouchUpOutside);
     EXPECT_EQ(log, (Log{"first", "second"}));  // once each, though "first" matches two events
 
-    control->removeTargetForControlEvents(&first, ControlEvent::TouchUpInside);  // keeps its touch-down
+    control->removeTargetForControlEvents(first, ControlEvent::TouchUpInside);  // keeps its touch-down
     log.clear();
     control->sendActionsForControlEvents(ControlEvent::TouchUpInside);
     control->sendActionsForControlEvents(ControlEvent::TouchDown);
     EXPECT_EQ(log, (Log{"second", "first"}));
 
-    control->removeTargetForControlEvents(nullptr, ControlEvent::AllEvents);
+    control->removeTargetForControlEvents({}, ControlEvent::AllEvents);
     EXPECT_EQ(control->allControlEvents(), 0u);
+}
+
+TEST_F(ControlTest, ATargetThatIsGoneIsNeitherCalledNorKept) {
+    auto control = std::make_shared<Control>();
+    Log log;
+    auto target = std::make_shared<Receiver>(log, "target");
+    control->addTargetActionForControlEvents(target, &Receiver::act, ControlEvent::TouchDown);
+    EXPECT_EQ(control->allControlEvents(), ControlEvent::TouchDown);
+    target.reset();
+    EXPECT_EQ(control->allControlEvents(), 0u);
+    control->sendActionsForControlEvents(ControlEvent::TouchDown);
+    EXPECT_TRUE(log.empty());
 }
 
 TEST_F(ControlTest, ActionsMayRemoveOthersOrReleaseTheControlDuringDispatch) {
     auto control = std::make_shared<Control>();
     std::weak_ptr<Control> watch = control;
     Log log;
-    int removed = 0;
-    control->addTargetActionForControlEvents(
-        nullptr,
+    auto removed = std::make_shared<Receiver>(log, "removed");
+    control->addActionForControlEvents(
         [&](Control& sender) {
-            sender.removeTargetForControlEvents(&removed, ControlEvent::AllEvents);
+            sender.removeTargetForControlEvents(removed, ControlEvent::AllEvents);
             control.reset();
         },
         ControlEvent::TouchDown);
-    control->addTargetActionForControlEvents(
-        &removed, [&](Control&) { log.push_back("removed"); }, ControlEvent::TouchDown);
-    control->addTargetActionForControlEvents(
-        nullptr, [&](Control& sender) { log.push_back(sender.className()); }, ControlEvent::TouchDown);
+    control->addTargetActionForControlEvents(removed, &Receiver::act, ControlEvent::TouchDown);
+    control->addActionForControlEvents([&](Control& sender) { log.push_back(sender.className()); },
+                                       ControlEvent::TouchDown);
     auto raw = control.get();
     raw->sendActionsForControlEvents(ControlEvent::TouchDown);  // alive until the dispatch ends
     EXPECT_EQ(log, Log{"Control"});

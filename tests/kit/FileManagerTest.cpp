@@ -33,7 +33,7 @@ TEST_F(FileManagerTest, AtomicWriteReplacesTheWholeFileAndLeavesNothingBehind) {
 TEST_F(FileManagerTest, AFailedWriteReportsTheErrorAndKeepsTheOldContent) {
     fs::path path = files().cachesFolder() / "taken";
     ASSERT_TRUE(files().createFolder(path / "inside"));  // a folder that is not empty stands in the way
-    std::shared_ptr<kit::Error> error;
+    std::shared_ptr<const kit::Error> error;
     EXPECT_FALSE(files().writeAtomically(path, "data", &error));
     ASSERT_TRUE(error);
     EXPECT_EQ(error->domain(), FileManager::kErrorDomain);
@@ -49,7 +49,7 @@ TEST_F(FileManagerTest, CreatesFoldersWithTheirParents) {
     EXPECT_TRUE(files().createFolder(deep)) << "an existing folder is fine";
     EXPECT_TRUE(fs::is_directory(deep));
     ASSERT_TRUE(files().writeAtomically(files().cachesFolder() / "plain", "x"));
-    std::shared_ptr<kit::Error> error;
+    std::shared_ptr<const kit::Error> error;
     EXPECT_FALSE(files().createFolder(files().cachesFolder() / "plain" / "sub", &error));
     ASSERT_TRUE(error);
 }

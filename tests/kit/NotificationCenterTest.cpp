@@ -1,11 +1,13 @@
 #include "kit/NotificationCenter.h"
 #include "tests/support/SimTest.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
 using kit::Notification;
 using kit::NotificationCenter;
+using Log = std::vector<std::string>;
 
 namespace {
 class Thing : public kit::Object {};
@@ -14,87 +16,73 @@ class Thing : public kit::Object {};
 class NotificationCenterTest : public SimTest {
 protected:
     NotificationCenter center;
-    std::vector<std::string> heard;
-    int a = 0, b = 0;  // observer identities
+    Log heard;
+    NotificationCenter::Handler note(std::string line) {
+        return [this, line](const Notification&) { heard.push_back(line); };
+    }
 };
 
-TEST_F(NotificationCenterTest, DeliversByNameAndFiltersByObject) {
+TEST_F(NotificationCenterTest, DeliversByNameInOrderAndFiltersByObject) {
     Thing one, two;
-    center.addObserver(&a, "changed", &one, [&](const Notification& n) {
+    auto a = center.addObserver("changed", &one, [&](const Notification& n) {
         heard.push_back("a:" + *n.userInfo.find("what")->string());
     });
-    center.addObserver(&b, "changed", nullptr, [&](const Notification& n) {
+    auto b = center.addObserver("changed", nullptr, [&](const Notification& n) {
         heard.push_back(std::string("b:") + (n.object == &two ? "two" : "one"));
     });
+    auto every = center.addObserver("", nullptr, [&](const Notification& n) { heard.push_back("*" + n.name); });
     center.post("changed", &two, {{"what", "x"}});
     center.post("changed", &one, {{"what", "y"}});
     center.post("other", &one);
-    EXPECT_EQ(heard, (std::vector<std::string>{"b:two", "a:y", "b:one"}));
+    EXPECT_EQ(heard, (Log{"b:two", "*changed", "a:y", "b:one", "*changed", "*other"}));
 }
 
-TEST_F(NotificationCenterTest, AnEmptyNameObservesEveryName) {
-    center.addObserver(&a, "", nullptr, [&](const Notification& n) { heard.push_back(n.name); });
-    center.post("one");
-    center.post("two");
-    EXPECT_EQ(heard, (std::vector<std::string>{"one", "two"}));
-}
-
-TEST_F(NotificationCenterTest, RemovalTakesAnObserverOutOfEverything) {
-    Thing one;
-    center.addObserver(&a, "x", nullptr, [&](const Notification&) { heard.push_back("a:x"); });
-    center.addObserver(&a, "y", &one, [&](const Notification&) { heard.push_back("a:y"); });
-    center.addObserver(&b, "x", nullptr, [&](const Notification&) { heard.push_back("b:x"); });
-    center.removeObserver(&a);
+TEST_F(NotificationCenterTest, ARegistrationEndsWithItsSubscription) {
+    auto kept = center.addObserver("x", nullptr, note("kept"));
+    {
+        auto scoped = center.addObserver("x", nullptr, note("scoped"));
+        center.post("x");
+    }
+    auto cancelled = center.addObserver("x", nullptr, note("cancelled"));
+    cancelled.cancel();
+    EXPECT_FALSE(cancelled.isActive());
+    NotificationCenter::Subscription moved = std::move(kept);
     center.post("x");
-    center.post("y", &one);
-    EXPECT_EQ(heard, (std::vector<std::string>{"b:x"}));
+    EXPECT_EQ(heard, (Log{"kept", "scoped", "kept"}));
     EXPECT_EQ(center.observerCount(), 1u);
+    EXPECT_TRUE(moved.isActive());
 }
 
-TEST_F(NotificationCenterTest, RemovalByNameAndObjectLeavesTheRest) {
-    Thing one, two;
-    center.addObserver(&a, "x", &one, [&](const Notification&) { heard.push_back("x one"); });
-    center.addObserver(&a, "x", &two, [&](const Notification&) { heard.push_back("x two"); });
-    center.addObserver(&a, "y", nullptr, [&](const Notification&) { heard.push_back("y"); });
-    center.removeObserver(&a, "x", &one);
-    center.post("x", &one);
-    center.post("x", &two);
-    center.post("y");
-    EXPECT_EQ(heard, (std::vector<std::string>{"x two", "y"}));
-}
-
-TEST_F(NotificationCenterTest, ObserversRemovedDuringDeliveryAreNotCalledAndAddedOnesWaitForTheNext) {
-    center.addObserver(&a, "n", nullptr, [&](const Notification&) {
+TEST_F(NotificationCenterTest, RegistrationsEndedDuringDeliveryAreSkippedAndNewOnesWaitForTheNext) {
+    NotificationCenter::Subscription a, b, later;
+    a = center.addObserver("n", nullptr, [&](const Notification&) {
         heard.push_back("a");
-        center.removeObserver(&b);
-        center.removeObserver(&a);  // removing itself while running
-        center.addObserver(&a, "n", nullptr, [&](const Notification&) { heard.push_back("a again"); });
+        b.cancel();
+        a.cancel();  // ending itself while it runs
+        later = center.addObserver("n", nullptr, note("later"));
     });
-    center.addObserver(&b, "n", nullptr, [&](const Notification&) { heard.push_back("b"); });
+    b = center.addObserver("n", nullptr, note("b"));
     center.post("n");
-    EXPECT_EQ(heard, (std::vector<std::string>{"a"}));
+    EXPECT_EQ(heard, Log{"a"});
     center.post("n");
-    EXPECT_EQ(heard, (std::vector<std::string>{"a", "a again"}));
+    EXPECT_EQ(heard, (Log{"a", "later"}));
 }
 
-TEST_F(NotificationCenterTest, PostingInsideDeliveryNests) {
-    center.addObserver(&a, "outer", nullptr, [&](const Notification&) {
+TEST_F(NotificationCenterTest, PostingInsideADeliveryNests) {
+    auto outer = center.addObserver("outer", nullptr, [&](const Notification&) {
         heard.push_back("outer");
         center.post("inner");
     });
-    center.addObserver(&b, "inner", nullptr, [&](const Notification&) { heard.push_back("inner"); });
+    auto inner = center.addObserver("inner", nullptr, note("inner"));
     center.post("outer");
-    EXPECT_EQ(heard, (std::vector<std::string>{"outer", "inner"}));
+    EXPECT_EQ(heard, (Log{"outer", "inner"}));
 }
 
-class OwnCenter : public NotificationCenter {};
-
-TEST_F(NotificationCenterTest, CentersAreIndependentAndTheDefaultOneBelongsToThePlatform) {
-    OwnCenter own;
-    NotificationCenter::defaultCenter().addObserver(&a, "n", nullptr,
-                                                    [&](const Notification&) { heard.push_back("default"); });
-    own.addObserver(&a, "n", nullptr, [&](const Notification&) { heard.push_back("own"); });
-    own.post("n");
-    EXPECT_EQ(heard, (std::vector<std::string>{"own"}));
+TEST_F(NotificationCenterTest, ASubscriptionMayOutliveItsCenter) {
+    auto own = std::make_unique<NotificationCenter>();
+    auto subscription = own->addObserver("n", nullptr, note("own"));
+    own.reset();
+    EXPECT_FALSE(subscription.isActive());
+    subscription.cancel();
     EXPECT_EQ(&NotificationCenter::defaultCenter(), &sim().notificationCenter());
 }

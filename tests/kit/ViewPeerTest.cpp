@@ -1,9 +1,10 @@
 #include "kit/Button.h"
 #include "kit/View.h"
-#include "kit/ViewPeer.h"
-#include "kit/ViewPeerFactory.h"
+#include "kit/port/ViewPeer.h"
+#include "kit/port/ViewPeerFactory.h"
 #include "kit/Window.h"
 #include "kit/sim/SimPlatform.h"
+#include "tests/support/SimTest.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -31,7 +32,7 @@ public:
         // Made under the superview's peer, as a widget is made inside its parent.
         auto superview = view.superview();
         journal.push_back(
-            fmt::format("create {}{}", view.tag(), superview && !superview->peer() ? " orphan" : ""));
+            fmt::format("create {}{}", view.tag(), superview && !superview->peer(kPort) ? " orphan" : ""));
         return std::make_unique<Peer>(view, journal);
     }
     Journal take() { return std::exchange(journal, {}); }
@@ -104,7 +105,7 @@ TEST_F(ViewPeerTest, PeersLiveWhileTheirViewIsInAWindowOnScreen) {
     EXPECT_EQ(factory->take(), (Journal{"destroy 31", "destroy 3", "create 3", "create 31"}));
     subtree->removeFromSuperview();
     EXPECT_EQ(factory->take(), (Journal{"destroy 31", "destroy 3"}));
-    EXPECT_EQ(subtree->peer(), nullptr);
+    EXPECT_EQ(subtree->peer(kPort), nullptr);
     subtree->setFrame({0, 0, 50, 50});  // outside a window nothing is told
     EXPECT_TRUE(factory->take().empty());
 
@@ -140,7 +141,7 @@ TEST_F(ViewPeerTest, PeersAreToldOfEachChange) {
     EXPECT_EQ(factory->take(), (Journal{"alpha 1 over 0.4", "transition 1", "transition 1"}));
 
     button->setTitleForState("Play", kit::ControlState::Normal);
-    window->touchDown({2, 2});  // highlighted
-    window->touchUp({2, 2});
+    window->touchDown(kPort, {2, 2});  // highlighted
+    window->touchUp(kPort, {2, 2});
     EXPECT_EQ(factory->take(), (Journal{"content 4", "content 4", "content 4"}));
 }

@@ -44,8 +44,7 @@ protected:
                                                           {ControlEvent::TouchUpOutside, "up outside"},
                                                           {ControlEvent::TouchCancel, "cancel"}};
         for (const auto& [event, name] : names) {
-            control.addTargetActionForControlEvents(
-                this,
+            control.addActionForControlEvents(
                 [this, name = std::string(name)](Control& sender) {
                     log.push_back(sender.isHighlighted() ? name + "*" : name);
                 },
@@ -54,8 +53,8 @@ protected:
     }
 
     void tap(kit::Point p) {
-        window->touchDown(p);
-        window->touchUp(p);
+        window->touchDown(kPort, p);
+        window->touchUp(kPort, p);
     }
 
     std::shared_ptr<Window> window;
@@ -66,10 +65,10 @@ protected:
 }  // namespace
 
 TEST_F(WindowTest, TapReachesTheButtonThroughHitTesting) {
-    window->touchDown({110, 110});
+    window->touchDown(kPort, {110, 110});
     EXPECT_EQ(log, Log{"down*"});
     EXPECT_TRUE(button->isHighlighted());
-    window->touchUp({111, 112});
+    window->touchUp(kPort, {111, 112});
     EXPECT_EQ(log, (Log{"down*", "up inside"}));
     EXPECT_FALSE(button->isHighlighted());
 
@@ -81,12 +80,12 @@ TEST_F(WindowTest, TapReachesTheButtonThroughHitTesting) {
 }
 
 TEST_F(WindowTest, DraggingOutAndBackReportsExitEnterAndWhereTheTouchEnded) {
-    window->touchDown({110, 110});
-    window->touchMoved({120, 110});
-    window->touchMoved({300, 300});
-    window->touchMoved({120, 120});
-    window->touchMoved({300, 10});
-    window->touchUp({300, 10});
+    window->touchDown(kPort, {110, 110});
+    window->touchMoved(kPort, {120, 110});
+    window->touchMoved(kPort, {300, 300});
+    window->touchMoved(kPort, {120, 120});
+    window->touchMoved(kPort, {300, 10});
+    window->touchUp(kPort, {300, 10});
     EXPECT_EQ(log, (Log{"down*", "inside*", "exit", "outside", "enter*", "inside*", "exit", "outside",
                         "up outside"}));
 }
@@ -111,18 +110,19 @@ TEST_F(WindowTest, CoveredDisabledOrHiddenButtonsGetNoTouches) {
 
 TEST_F(WindowTest, LostTouchesAreCancelled) {
     // The control leaves the window during its touch.
-    button->addTargetActionForControlEvents(
-        window.get(), [](Control& sender) { sender.removeFromSuperview(); }, ControlEvent::TouchDown);
-    tap({110, 110});
+    auto leaving = std::make_shared<Button>(Rect{300, 100, 80, 40});
+    window->addSubview(leaving);
+    record(*leaving);
+    leaving->addActionForControlEvents([](Control& sender) { sender.removeFromSuperview(); },
+                                       ControlEvent::TouchDown);
+    tap({310, 110});
     EXPECT_EQ(log, (Log{"down*", "cancel"}));
 
     // A second touch-down without a touch-up between, and a cancel from the system.
-    button->removeTargetForControlEvents(window.get(), ControlEvent::AllEvents);
-    window->addSubview(button);
     log.clear();
-    window->touchDown({110, 110});
-    window->touchDown({110, 110});
-    window->touchCancelled();
+    window->touchDown(kPort, {110, 110});
+    window->touchDown(kPort, {110, 110});
+    window->touchCancelled(kPort);
     EXPECT_EQ(log, (Log{"down*", "cancel", "down*", "cancel"}));
     EXPECT_FALSE(button->isHighlighted());
 }

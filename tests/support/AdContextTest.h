@@ -1,37 +1,21 @@
 #pragma once
 
-#include "ads/Network/ZEBNetworkChecker.h"
 #include "ads/Signals/ZEBSignalsCollector.h"
-#include "ads/Statistics/ZEBStatistics.h"
-#include "ads/Utility/ZEBIdentifierUtilities.h"
-#include "ads/Utility/ZEBNetworkUtilities.h"
 #include "tests/support/SimTest.h"
 
+#include <optional>
 #include <string>
 
-// A simulated platform and fresh process-wide instances of the ad client's request context. The
-// shared instances hold on to platform services, so they go before the platform does.
+// A simulated platform with the application's bundle; every shared instance of the ad client is
+// made afresh in it and goes with it.
 class AdContextTest : public SimTest {
 protected:
     void SetUp() override {
         SimTest::SetUp();
-        resetShared();
-        sim().mainBundle().setInfoDictionary({{"CFBundleVersion", "1.0"},
-                                          {"CFBundleIdentifier", "org.quiblo.soundboard"},
-                                          {"DTPlatformName", "linux"},
-                                          {"DTSDKName", "linux6.1"}});
-    }
-    void TearDown() override {
-        resetShared();
-        SimTest::TearDown();
-    }
-
-    static void resetShared() {
-        ZEBStatistics::releaseSharedStatistics();
-        ZEBNetworkChecker::reset();
-        ZEBIdentifierUtilities::reset();
-        ZEBNetworkUtilities::reset();
-        ZEBSignalsCollector::setShared(nullptr);
+        sim().mainBundle().setInfoDictionary(kPort, {{"CFBundleVersion", "1.0"},
+                                                     {"CFBundleIdentifier", "org.quiblo.soundboard"},
+                                                     {"DTPlatformName", "linux"},
+                                                     {"DTSDKName", "linux6.1"}});
     }
 };
 

@@ -1,8 +1,12 @@
 #pragma once
 
+#include "kit/port/PortKey.h"
 #include "kit/sim/SimPlatform.h"
 
 #include <gtest/gtest.h>
+
+// Tests drive the platform as a port does: touches, application states, the device's facts.
+inline constexpr kit::PortKey kPort;
 
 // Base fixture for unit tests: a fresh simulated platform per test, gone after it.
 class SimTest : public ::testing::Test {

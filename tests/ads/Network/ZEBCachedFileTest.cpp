@@ -23,7 +23,7 @@ public:
     std::vector<std::string> redirects;
     std::shared_ptr<const kit::Error> error;
     // Answer to a redirect to this URL.
-    std::map<std::string, std::shared_ptr<kit::Error>> refusals;
+    std::map<std::string, std::shared_ptr<const kit::Error>> refusals;
     std::function<void(ZEBCachedFile&)> onEnd;
 
     void cachedFileDownloadDidEnd(ZEBCachedFile& file) override {
@@ -34,7 +34,7 @@ public:
         events.push_back(fmt::format("fail {}{}", file.httpStatusCode(), e ? " with error" : ""));
         error = std::move(e);
     }
-    std::shared_ptr<kit::Error> cachedFileShouldRedirectToURL(ZEBCachedFile&, const kit::Url& to) override {
+    std::shared_ptr<const kit::Error> cachedFileShouldRedirectToURL(ZEBCachedFile&, const kit::Url& to) override {
         redirects.push_back(to.absoluteString());
         auto refusal = refusals.find(to.absoluteString());
         return refusal == refusals.end() ? nullptr : refusal->second;

@@ -39,15 +39,15 @@ struct Failure {
     std::string innerMessage = {};
 };
 
-std::shared_ptr<kit::Error> readError(std::string_view text, bool allowScalar = true) {
+std::shared_ptr<const kit::Error> readError(std::string_view text, bool allowScalar = true) {
     ZEBJSON json;
-    std::shared_ptr<kit::Error> error;
+    std::shared_ptr<const kit::Error> error;
     auto value = json.objectWithStringAllowScalarError(text, allowScalar, &error);
     EXPECT_FALSE(value) << text;
     return error;
 }
 
-void expectFailure(const std::shared_ptr<kit::Error>& error, const Failure& expected,
+void expectFailure(const std::shared_ptr<const kit::Error>& error, const Failure& expected,
                    std::string_view input) {
     ASSERT_TRUE(error) << input;
     EXPECT_EQ(error->domain(), ZEBJSON::kErrorDomain);
@@ -66,7 +66,7 @@ std::string write(const Value& value, bool sortKeys = false, bool humanReadable 
     ZEBJSON json;
     json.setSortKeys(sortKeys);
     json.setHumanReadable(humanReadable);
-    std::shared_ptr<kit::Error> error;
+    std::shared_ptr<const kit::Error> error;
     auto text = json.stringWithFragmentError(value, &error);
     EXPECT_TRUE(text) << (error ? error->description() : "");
     return text.value_or("");
@@ -74,7 +74,7 @@ std::string write(const Value& value, bool sortKeys = false, bool humanReadable 
 
 Value read(std::string_view text) {
     ZEBJSON json;
-    std::shared_ptr<kit::Error> error;
+    std::shared_ptr<const kit::Error> error;
     auto value = json.fragmentWithStringError(text, &error);
     EXPECT_TRUE(value) << text << ": " << (error ? error->description() : "");
     return value.value_or(Value());
@@ -278,7 +278,7 @@ TEST(ZEBJSONReader, LongWhitespaceRuns) {
 
 TEST(ZEBJSONReader, TopLevelAndInput) {
     ZEBJSON json;
-    std::shared_ptr<kit::Error> error;
+    std::shared_ptr<const kit::Error> error;
     EXPECT_EQ(json.fragmentWithStringError("5"), Value(5));
     EXPECT_FALSE(json.objectWithStringError("5", &error));
     expectFailure(error, {4, "Valid fragment, but not JSON"}, "5");
@@ -299,7 +299,7 @@ TEST(ZEBJSONReader, DepthLimit) {
     EXPECT_EQ(json.maxDepth(), 512u);
     EXPECT_TRUE(json.objectWithStringError(nested(512)));
     EXPECT_EQ(json.depth(), 0);
-    std::shared_ptr<kit::Error> error;
+    std::shared_ptr<const kit::Error> error;
     EXPECT_FALSE(json.objectWithStringError(nested(513), &error));
     expectFailure(error, {7, "Nested too deep"}, "513");
 
@@ -373,7 +373,7 @@ TEST(ZEBJSONWriter, HumanReadableAndSortedKeys) {
 
 TEST(ZEBJSONWriter, Errors) {
     ZEBJSON json;
-    std::shared_ptr<kit::Error> error;
+    std::shared_ptr<const kit::Error> error;
     EXPECT_FALSE(json.stringWithObjectError(Value("s"), &error));
     expectFailure(error, {4, "Not valid type for JSON"}, "scalar");
     EXPECT_EQ(json.stringWithFragmentError(Value("s")), "\"s\"");
@@ -415,7 +415,7 @@ TEST(ZEBJSONConformance, TestParsing) {
         const std::string name = path.filename().string();
         const std::string text = readFile(path);
         ZEBJSON json;
-        std::shared_ptr<kit::Error> error;
+        std::shared_ptr<const kit::Error> error;
         auto value = json.fragmentWithStringError(text, &error);
         EXPECT_EQ(value.has_value(), error == nullptr) << name;
         if (error) {
@@ -496,7 +496,7 @@ TEST(ZEBJSONConformance, FuzzRegressions) {
         if (path.filename().string().rfind("json-", 0) != 0) continue;
         std::string text = readFile(path);
         ZEBJSON json;
-        std::shared_ptr<kit::Error> error;
+        std::shared_ptr<const kit::Error> error;
         auto value = json.fragmentWithStringError(text, &error);
         EXPECT_EQ(value.has_value(), error == nullptr) << path;
         if (value) expectRoundTrip(*value);

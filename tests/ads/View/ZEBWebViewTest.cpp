@@ -54,8 +54,8 @@ TEST_F(ZEBWebViewTest, ATouchOnTheViewMarksItTouched) {
     view->hitTest({10, 10}, &motion);
     view->hitTest({10, 10}, nullptr);
     EXPECT_FALSE(view->touched()) << "only touches count";
-    window->touchDown({100, 290});
-    window->touchUp({100, 290});
+    window->touchDown(kPort, {100, 290});
+    window->touchUp(kPort, {100, 290});
     EXPECT_TRUE(view->touched());
     view->setTouched(false);
     EXPECT_FALSE(view->touched());

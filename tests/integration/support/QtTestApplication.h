@@ -1,7 +1,7 @@
 #pragma once
 
 // The one Qt application of the integration tests, and the fixtures that run on it.
-#include "kit/Platform.h"
+#include "kit/port/Platform.h"
 #include "kit/qt/QtPlatform.h"
 #include "kit/qt/QtWebPage.h"
 

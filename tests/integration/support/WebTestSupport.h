@@ -4,6 +4,7 @@
 // and clicks as the window system sends them.
 #include "kit/RunLoop.h"
 #include "kit/Window.h"
+#include "kit/port/PortKey.h"
 #include "tests/integration/support/QtTestApplication.h"
 
 #include <QApplication>
@@ -37,7 +38,7 @@ inline bool runUntil(const std::function<bool()>& done, double limit = 20) {
 
 // A press and release of the left button on the window's widget, as the window system sends them.
 inline void click(kit::Window& window, double x, double y) {
-    QWidget* widget = dynamic_cast<QWidget*>(window.peer());
+    QWidget* widget = dynamic_cast<QWidget*>(window.peer(kit::PortKey{}));
     QPointF p(x, y);
     QMouseEvent press(QEvent::MouseButtonPress, p, widget->mapToGlobal(p), Qt::LeftButton, Qt::LeftButton,
                       Qt::NoModifier);

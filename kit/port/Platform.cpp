@@ -1,8 +1,9 @@
-#include "kit/Platform.h"
+#include "kit/port/Platform.h"
 
+#include "kit/Application.h"
 #include "kit/RunLoop.h"
-#include "kit/UrlCache.h"
-#include "kit/WebPage.h"
+#include "kit/port/PortKey.h"
+#include "kit/port/WebPage.h"
 
 #include <chrono>
 #include <cstdio>
@@ -24,16 +25,18 @@ double Platform::secondsSince1970() const {
 }
 
 void Platform::shutdown() {
-    runLoop().clear();
+    application().setDelegate(nullptr);
+    // Dropping a pending call may release the last hold on something that still uses a shared
+    // instance, and a shared instance may post as it goes: repeat until both are empty.
+    while (true) {
+        runLoop().clear(PortKey{});
+        if (sharedInstances_.empty()) break;
+        sharedInstances_.clear();
+    }
 }
 
-std::unique_ptr<UrlLoader> Platform::makeUrlLoader(const UrlRequest&, UrlLoader::Client&) {
+std::unique_ptr<UrlLoader> Platform::createUrlLoader(const UrlRequest&, UrlLoader::Client&) {
     return nullptr;
-}
-
-UrlCache& Platform::urlCache() {
-    if (!urlCache_) urlCache_ = std::make_unique<UrlCache>();
-    return *urlCache_;
 }
 
 std::unique_ptr<WebPage> Platform::createWebPage(WebView&) {
@@ -51,10 +54,6 @@ void Platform::uninstall() {
     gOwner->shutdown();
     gOwner.reset();
     gPlatform = nullptr;
-}
-
-bool Platform::isInstalled() {
-    return gPlatform != nullptr;
 }
 
 Platform& Platform::current() {

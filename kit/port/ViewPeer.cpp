@@ -1,4 +1,4 @@
-#include "kit/ViewPeer.h"
+#include "kit/port/ViewPeer.h"
 
 namespace kit {
 

@@ -1,4 +1,4 @@
-#include "kit/WebPage.h"
+#include "kit/port/WebPage.h"
 
 namespace kit {
 

@@ -1,4 +1,4 @@
-#include "kit/UrlLoader.h"
+#include "kit/port/UrlLoader.h"
 
 namespace kit {
 

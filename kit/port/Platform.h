@@ -1,6 +1,7 @@
 #pragma once
 
-#include "kit/UrlLoader.h"
+#include "kit/SharedInstances.h"
+#include "kit/port/UrlLoader.h"
 
 #include <memory>
 #include <string>
@@ -18,22 +19,24 @@ class RunLoop;
 class Screen;
 class SoundService;
 class UserDefaults;
-class UrlCache;
 class ViewPeerFactory;
 class WebPage;
 class WebView;
 
 // The services of one port (the Qt port in the application, the simulated port in unit tests).
 // Exactly one platform is installed at a time; kit reaches it through the static accessors of each
-// service (RunLoop::main(), Application::shared(), ...), never through globals of the app.
+// service (RunLoop::main(), Application::shared(), ...), never through globals of the app. The
+// platform owns the process-wide instances (kit::shared<T>()), so nothing of the application's
+// outlives it.
 class Platform {
 public:
     virtual ~Platform();
+    Platform(const Platform&) = delete;
+    Platform& operator=(const Platform&) = delete;
 
     // Installs `platform`, first shutting down and destroying the one installed before.
     static void install(std::unique_ptr<Platform> platform);
     static void uninstall();
-    static bool isInstalled();
     // The installed platform; aborts with a message when there is none.
     static Platform& current();
 
@@ -46,32 +49,31 @@ public:
     virtual FileManager& fileManager() = 0;
     virtual UserDefaults& userDefaults() = 0;
     virtual SoundService& soundService() = 0;
-    // Makes platform peers for views that enter a window; none on a port without a display.
-    virtual ViewPeerFactory* viewPeerFactory() { return nullptr; }
-    // The engine behind a new web view; none on a port without one (the view then loads nothing).
-    virtual std::unique_ptr<WebPage> createWebPage(WebView& view);
-
-    // ---- HTTP
-    // One exchange for a UrlConnection (see UrlLoader); none on a port without a network.
-    virtual std::unique_ptr<UrlLoader> makeUrlLoader(const UrlRequest& request, UrlLoader::Client& client);
-    // The process's shared answer cache.
-    UrlCache& urlCache();
-
-    // Request context: the bundle's information, the audio route, reachability of a host and the
-    // wall clock (seconds since 1970; virtual in the simulated port).
     virtual Bundle& mainBundle() = 0;
     virtual AudioSession& audioSession() = 0;
+    // Makes platform peers for views that enter a window; none on a port without a display.
+    virtual ViewPeerFactory* viewPeerFactory() { return nullptr; }
+
+    // The engine behind a new web view; none on a port without one (the view then loads nothing).
+    virtual std::unique_ptr<WebPage> createWebPage(WebView& view);
+    // One exchange for a UrlConnection (see UrlLoader); none on a port without a network.
+    virtual std::unique_ptr<UrlLoader> createUrlLoader(const UrlRequest& request, UrlLoader::Client& client);
+    // A watch on the reachability of `hostName`.
     virtual std::shared_ptr<Reachability> createReachability(const std::string& hostName) = 0;
+    // The wall clock (virtual in the simulated port).
     virtual double secondsSince1970() const;
+
+    SharedInstances& sharedInstances() { return sharedInstances_; }
 
 protected:
     Platform();
-    // Called while the platform is still installed, before it is destroyed: drop pending work
-    // whose destruction may still reach the platform.
-    virtual void shutdown();
 
 private:
-    std::unique_ptr<UrlCache> urlCache_;
+    // While still installed, before the port's services go: the application's delegate (and with
+    // it the window and everything on screen), the pending calls and the shared instances.
+    void shutdown();
+
+    SharedInstances sharedInstances_;
 };
 
 }  // namespace kit

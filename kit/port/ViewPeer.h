@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kit/View.h"
+
 namespace kit {
 
 // What a port puts on screen for one view of the model tree (the Qt port: one widget per view).
@@ -13,16 +15,7 @@ namespace kit {
 // its own platform object; the peer only shows it.
 class ViewPeer {
 public:
-    enum class Change {
-        Frame,  // frame or bounds (a bounds origin change moves the subviews' peers too)
-        Hidden,
-        Alpha,
-        Stacking,  // the view's place among its siblings changed
-        Layer,     // corner radius, border, masks to bounds
-        BackgroundColor,
-        Content,     // what a subclass draws: titles, images, control state
-        Transition,  // a transition (View::activeTransition()) began or ended on this container
-    };
+    using Change = ViewChange;
 
     virtual ~ViewPeer();
 

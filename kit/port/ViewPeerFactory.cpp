@@ -1,4 +1,4 @@
-#include "kit/ViewPeerFactory.h"
+#include "kit/port/ViewPeerFactory.h"
 
 namespace kit {
 
