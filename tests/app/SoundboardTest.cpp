@@ -45,13 +45,13 @@ protected:
 
 TEST_F(SoundboardTest, BannerSlotFollowsTheIdiomAndAnUnknownIdiomMeansHandset) {
     auto& device = sim().device();
-    device.setUserInterfaceIdiom(kit::UserInterfaceIdiom::Pad);
+    device.setUserInterfaceIdiom(kPort, kit::UserInterfaceIdiom::Pad);
     auto tablet = ViewController::bannerSlotForDevice(device);
     EXPECT_EQ(tablet.adUnitID, "a1f9e8d7c6b5a49");
     EXPECT_EQ(tablet.frame, (kit::Rect{128, 658, 768, 90}));
     for (auto idiom :
          {std::optional(kit::UserInterfaceIdiom::Phone), std::optional<kit::UserInterfaceIdiom>()}) {
-        device.setUserInterfaceIdiom(idiom);
+        device.setUserInterfaceIdiom(kPort, idiom);
         auto handset = ViewController::bannerSlotForDevice(device);
         EXPECT_EQ(handset.adUnitID, "a1b2c3d4e5f6a7b");
         EXPECT_EQ(handset.frame, (kit::Rect{80, 256, 320, 50}));
@@ -67,9 +67,9 @@ TEST_F(SoundboardTest, LaunchingNeedsTheDelegateByNameAndNothingElse) {
 
 TEST_F(SoundboardTest, SixteenTitledButtonsSitAboveTheBannerSlotInEveryIdiom) {
     for (bool tablet : {false, true}) {
-        sim().device().setUserInterfaceIdiom(tablet ? kit::UserInterfaceIdiom::Pad
+        sim().device().setUserInterfaceIdiom(kPort, tablet ? kit::UserInterfaceIdiom::Pad
                                                     : kit::UserInterfaceIdiom::Phone);
-        sim().screen().setBounds(tablet ? kit::Rect{0, 0, 1024, 768} : kit::Rect{0, 0, 480, 320});
+        sim().screen().setBounds(kPort, tablet ? kit::Rect{0, 0, 1024, 768} : kit::Rect{0, 0, 480, 320});
         auto window = launch();
         auto vc = controller(*window);
         kit::Rect banner = ViewController::bannerSlotForDevice(sim().device()).frame;

@@ -15,15 +15,7 @@
 
 using kit::Value;
 
-class RequestContextQtTest : public qttest::QtPlatformTest {
-protected:
-    void TearDown() override {
-        ZEBStatistics::releaseSharedStatistics();
-        ZEBNetworkChecker::reset();
-        ZEBIdentifierUtilities::reset();
-        QtPlatformTest::TearDown();
-    }
-};
+using RequestContextQtTest = qttest::QtPlatformTest;
 
 TEST_F(RequestContextQtTest, ParametersOfARealRequestOnThisMachine) {
     // The checker starts watching on first use; give the system a moment to report on the route.

@@ -53,7 +53,6 @@ protected:
     }
     void TearDown() override {
         view.reset();
-        ZEBNotificationCenter::reset();
         QtPlatformTest::TearDown();
     }
     // Posts the message and waits for the creative's answer.

@@ -49,16 +49,6 @@ const char* kScript = "http://ads.test/sdk-core-v40.js";
 
 class ZEBCachedFileTest : public SimTest {
 protected:
-    void SetUp() override {
-        SimTest::SetUp();
-        ZEBNetworkUtilities::reset();
-        ZEBCachedFile::overrideConnectionFactoryWith(nullptr);
-    }
-    void TearDown() override {
-        ZEBNetworkUtilities::reset();
-        ZEBCachedFile::overrideConnectionFactoryWith(nullptr);
-        SimTest::TearDown();
-    }
 
     kit::sim::SimHttp& http() { return sim().http(); }
     kit::FileManager& files() { return kit::FileManager::defaultManager(); }

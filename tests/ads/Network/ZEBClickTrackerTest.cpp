@@ -2,6 +2,7 @@
 #include "ads/Network/ZEBClickTrackerCollection.h"
 #include "ads/Request/ZEBRequestError.h"
 #include "ads/Request/ZEBRequestParameters.h"
+#include "ads/Statistics/ZEBStatistics.h"
 #include "kit/FileManager.h"
 #include "kit/UrlError.h"
 #include "tests/support/AdContextTest.h"
@@ -38,11 +39,6 @@ const char* kClick = "http://127.0.0.1:8480/clk/ticket-1";
 
 class ZEBClickTrackerTest : public AdContextTest {
 protected:
-    void TearDown() override {
-        ZEBClickTrackerCollection::releaseSharedInstance();
-        AdContextTest::TearDown();
-    }
-
     kit::sim::SimHttp& http() { return sim().http(); }
     kit::sim::SimApplication& application() { return sim().simApplication(); }
     std::shared_ptr<ZEBClickTracker> tracker(std::string_view text = kClick) {
@@ -137,7 +133,7 @@ TEST_F(ZEBClickTrackerTest, WhenBackgroundTimeRunsOutNothingIsReported) {
     }
     EXPECT_FALSE(watch.expired()) << "the background task keeps the tracker";
     advance(5);
-    application().expireBackgroundTasks();
+    application().expireBackgroundTasks(kPort);
     clock().advanceUntilIdle();
     EXPECT_TRUE(outcomes->events.empty());
     EXPECT_TRUE(watch.expired());
@@ -180,10 +176,10 @@ TEST_F(ZEBClickTrackerTest, TheCollectionTracksOnlyUrlsAndLetsGoOfThemOnceDone) 
     SimAnswer slow = SimAnswer::ok("");
     slow.delay = 10;
     http().respond("http://t.test/slow", slow);
-    collection->trackURLs(std::vector<kit::Url>{url("http://t.test/slow")});
-    ZEBClickTrackerCollection::releaseSharedInstance();
-    collection.reset();
-    EXPECT_EQ(application().openBackgroundTaskCount(), 0u) << "destroying the collection resets its trackers";
+    auto own = std::make_shared<ZEBClickTrackerCollection>();
+    own->trackURLs(std::vector<kit::Url>{url("http://t.test/slow")});
+    own.reset();
+    EXPECT_EQ(application().openBackgroundTaskCount(), 0u) << "destroying a collection resets its trackers";
     clock().advanceUntilIdle();
     EXPECT_EQ(http().requestCount("http://t.test/slow"), 0u) << "stopped before it was sent";
 }

@@ -44,8 +44,14 @@ TEST_F(ZEBNetworkCheckerTest, DisablingDropsTheHandleAndPendingReports) {
     checker.setEnabled(true);
     checker.setEnabled(true);
     EXPECT_EQ(sim().network().scheduledCount(), 1u);
-    ZEBNetworkChecker::reset();
+}
+
+// A checker of its own goes with its handle, and a report in flight finds nothing to call.
+TEST_F(ZEBNetworkCheckerTest, ACheckerThatGoesTakesItsWatchWithIt) {
+    auto checker = std::make_unique<ZEBNetworkChecker>();
+    checker->setEnabled(true);
     sim().network().setFlags(Reachability::kReachable);
-    runUntilIdle();  // nothing left to call
+    checker.reset();
+    runUntilIdle();
     EXPECT_EQ(sim().network().scheduledCount(), 0u);
 }

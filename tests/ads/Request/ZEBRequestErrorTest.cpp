@@ -22,7 +22,7 @@ TEST_F(ZEBRequestErrorTest, EveryCodeHasItsExactText) {
     for (const auto& [code, text] : texts)
         EXPECT_EQ(ZEBRequestError::localizedStringForErrorCode(code), std::string("Request Error: ") + text)
             << code;
-    sim().device().setSystemVersion("4.2");
+    sim().device().setSystemVersion(kPort, "4.2");
     EXPECT_EQ(ZEBRequestError::localizedStringForErrorCode(4),
               "Request Error: This device's OS is 4.2.0.  It is below the minimum of 3.0.");
 }

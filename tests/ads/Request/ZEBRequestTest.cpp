@@ -3,6 +3,7 @@
 #include "ads/Request/ZEBRequestParameters.h"
 #include "ads/Request/ZEBRequestPrivate.h"
 #include "kit/Log.h"
+#include "ads/Statistics/ZEBStatistics.h"
 #include "tests/support/AdContextTest.h"
 
 #include <set>
@@ -55,6 +56,7 @@ TEST_F(ZEBRequestTest, TargetingHintsBecomeTheirKeys) {
     request->setAdditionalParameters(Value::Map{{"color", "red"}});
     request->setLocationWithDescription("Berlin");
     request->setCounter(7);
+    ZEBStatistics::sharedStatistics().setAdRequestCount(3);  // the request's own counter wins
     Value::Map p = request->parameters();
     EXPECT_EQ(*p.find("cust_gender"), Value("2"));
     EXPECT_EQ(*p.find("cust_age"), Value("19900301")) << "1990 has no 29 February";
@@ -144,9 +146,9 @@ TEST_F(ZEBRequestTest, TypeWordsAndVersionCheck) {
     EXPECT_EQ(ZEBRequestPrivate::requestTypeFromString("lumet"), 1);
     EXPECT_EQ(ZEBRequestPrivate::requestTypeFromString("Pelko"), 0);
     EXPECT_EQ(ZEBRequestPrivate::requestTypeFromString("tessar"), 0);
-    sim().device().setSystemVersion("3.0");
+    sim().device().setSystemVersion(kPort, "3.0");
     EXPECT_TRUE(ZEBRequestPrivate::deviceAtLeastMinimumOSMajorVersionMinorVersion(3, 0));
-    sim().device().setSystemVersion("2.9.9");
+    sim().device().setSystemVersion(kPort, "2.9.9");
     EXPECT_FALSE(ZEBRequestPrivate::deviceAtLeastMinimumOSMajorVersionMinorVersion(3, 0));
 }
 

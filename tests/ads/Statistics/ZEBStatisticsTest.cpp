@@ -96,6 +96,25 @@ TEST_F(ZEBStatisticsTest, ClickCountsStartsTimingsAndCarriesTheClickString) {
     EXPECT_EQ(*p.find("pcc"), Value(1));
 }
 
+TEST_F(ZEBStatisticsTest, TheImpressionTicketComesOnlyFromTheAdServersOwnClickPaths) {
+    const std::string server = ZEBDeployment::current().adServerURL;
+    const struct {
+        std::string url;
+        std::optional<std::string> ticket;
+    } cases[] = {
+        {server + "/clk", std::nullopt},  // too short to hold a ticket after its four characters
+        {server + "/clk1", "1"},
+        {server + "/clk/ticket-7", "/ticket-7"},
+        {"http://elsewhere.example/clk/other", std::nullopt},
+    };
+    for (const auto& c : cases) {
+        stats().urlForClick(url("http://ads.example/c"));  // a fresh click timing
+        stats().addClickTrackingURL(url(c.url));
+        const Value* ticket = stats().timingNamed("pcl")->valueForKey("pit");
+        EXPECT_EQ(ticket ? std::optional<std::string>(*ticket->string()) : std::nullopt, c.ticket) << c.url;
+    }
+}
+
 TEST_F(ZEBStatisticsTest, BackgroundedClickReportsTimeSinceTheClick) {
     stats().urlForClick(url("http://ads.example/c"));
     stats().endTimingNamed("pcl");
@@ -148,7 +167,7 @@ TEST_F(ZEBStatisticsTest, WritesTheStoreAsAFirstProcess) {
     advance(4);
     stats().synchronize();
     stats().startTimingNamed("prl");
-    sim().application().terminate();
+    sim().application().terminate(kPort);
 }
 
 TEST_F(ZEBStatisticsTest, StoreSurvivesARestartOfTheProcess) {

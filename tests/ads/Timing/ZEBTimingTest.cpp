@@ -72,7 +72,7 @@ TEST_F(ZEBTimingTest, ManagerReplacesByCategoryAndSavesOnTermination) {
         manager.addTiming(nullptr);
         EXPECT_EQ(manager.categories(), std::vector<std::string>{"a"});
         EXPECT_EQ(kit::UserDefaults::standard().find("vantor_timing_t"), nullptr);
-        sim().application().terminate();
+        sim().application().terminate(kPort);
         ASSERT_NE(kit::UserDefaults::standard().map("vantor_timing_t"), nullptr);
     }
     ZEBTimingManager reloaded("t");

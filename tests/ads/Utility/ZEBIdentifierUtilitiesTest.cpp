@@ -25,26 +25,26 @@ TEST_F(ZEBIdentifierUtilitiesTest, VersionsParseAndCompare) {
     check("5.15.90.1-microsoft", 5, 15, 90);
     check("", 0, 0, 0);
     check("x.2", 0, 2, 0);
-    sim().device().setSystemVersion("4.0");
+    sim().device().setSystemVersion(kPort, "4.0");
     EXPECT_TRUE(ZEBIdentifierUtilities::isOSAtLeastMajorMinorBug(4, 0, 0));
     EXPECT_FALSE(ZEBIdentifierUtilities::isOSAtLeastMajorMinorBug(4, 0, 1));
-    sim().device().setSystemVersion("3.2.1");
+    sim().device().setSystemVersion(kPort, "3.2.1");
     EXPECT_FALSE(ZEBIdentifierUtilities::isOSAtLeastMajorMinorBug(4, 0, 0));
     EXPECT_TRUE(ZEBIdentifierUtilities::isOSAtLeastMajorMinorBug(3, 1, 9));
 }
 
 TEST_F(ZEBIdentifierUtilitiesTest, IdentifierIsUpperCaseMd5KeptForTheProcess) {
-    sim().device().setUniqueIdentifier("abc");
+    sim().device().setUniqueIdentifier(kPort, "abc");
     EXPECT_EQ(ids().deviceIdentifier(), "900150983CD24FB0D6963F7D28E17F72");
-    sim().device().setUniqueIdentifier("changed");
+    sim().device().setUniqueIdentifier(kPort, "changed");
     EXPECT_EQ(ids().deviceIdentifier(), "900150983CD24FB0D6963F7D28E17F72");
     EXPECT_EQ(ZEBIdentifierUtilities::deviceIdentifierOrSimulator(), "changed");
 }
 
 TEST_F(ZEBIdentifierUtilitiesTest, ScreenRouteAndLocaleAsTheDeviceReportsThem) {
-    sim().device().setPreferredLanguages({"pt-BR", "en"});
-    sim().screen().setBounds({0, 0, 1024, 768});
-    sim().screen().setScale(1.5);
+    sim().device().setPreferredLanguages(kPort, {"pt-BR", "en"});
+    sim().screen().setBounds(kPort, {0, 0, 1024, 768});
+    sim().screen().setScale(kPort, 1.5);
     sim().application().setStatusBarOrientation(kit::InterfaceOrientation::Portrait);
     Value::Map p = ids().parameters();
     EXPECT_EQ(*p.find("hl"), Value("pt-br"));
@@ -85,16 +85,16 @@ TEST_F(ZEBIdentifierUtilitiesTest, BookStoreCapabilitiesFollowWhatOpens) {
 
 TEST_F(ZEBIdentifierUtilitiesTest, BundleInformationGivesSdkAndApplicationName) {
     EXPECT_EQ(ids().baseSdkVersion(), "6.1");
-    ZEBIdentifierUtilities::reset();
     sim().mainBundle().setInfoDictionary(
-        {{"DTSDKName", "iphoneos4.3"}, {"DTPlatformName", "iphoneos"}, {"CFBundleIdentifier", "a.b"}});
-    EXPECT_EQ(ids().baseSdkVersion(), "4.3");
-    Value::Map p = ids().parameters();
-    EXPECT_EQ(*p.find("app_name"), Value("iphone.a.b")) << "no version, no leading point";
-    ZEBIdentifierUtilities::reset();
-    sim().mainBundle().setInfoDictionary({{"DTSDKName", 43}});
-    EXPECT_EQ(ids().baseSdkVersion(), std::nullopt);
-    EXPECT_FALSE(ids().parameters().contains("ios_base_sdk"));
+        kPort, {{"DTSDKName", "iphoneos4.3"}, {"DTPlatformName", "iphoneos"}, {"CFBundleIdentifier", "a.b"}});
+    EXPECT_EQ(ids().baseSdkVersion(), "6.1") << "read once";
+    ZEBIdentifierUtilities fresh;
+    EXPECT_EQ(fresh.baseSdkVersion(), "4.3");
+    EXPECT_EQ(*fresh.parameters().find("app_name"), Value("iphone.a.b")) << "no version, no leading point";
+    sim().mainBundle().setInfoDictionary(kPort, {{"DTSDKName", 43}});
+    ZEBIdentifierUtilities noSdk;
+    EXPECT_EQ(noSdk.baseSdkVersion(), std::nullopt);
+    EXPECT_FALSE(noSdk.parameters().contains("ios_base_sdk"));
 }
 
 TEST_F(ZEBIdentifierUtilitiesTest, StoreMetadataIsAMapOrNothing) {
@@ -107,8 +107,7 @@ TEST_F(ZEBIdentifierUtilitiesTest, StoreMetadataIsAMapOrNothing) {
 <plist version="1.0"><dict><key>itemId</key><integer>42</integer><key>itemName</key><string>Quiblo</string></dict></plist>)");
     EXPECT_EQ(ZEBIdentifierUtilities::readITunesMetadataFileAt(file),
               (Value::Map{{"itemId", 42}, {"itemName", "Quiblo"}}));
-    ZEBIdentifierUtilities::reset();
-    EXPECT_EQ(ids().iTunesMetadata().size(), 2u) << "read from beside the documents folder";
+    EXPECT_EQ(ZEBIdentifierUtilities().iTunesMetadata().size(), 2u) << "read from beside the documents folder";
 
     write(R"(<?xml version="1.0"?><plist version="1.0"><array><string>x</string></array></plist>)");
     EXPECT_TRUE(ZEBIdentifierUtilities::readITunesMetadataFileAt(file).empty());
@@ -118,13 +117,11 @@ TEST_F(ZEBIdentifierUtilitiesTest, StoreMetadataIsAMapOrNothing) {
 }
 
 TEST_F(ZEBIdentifierUtilitiesTest, TabletModelOnAPhoneIdiomAndSuperuser) {
-    sim().device().setModel("iPad");
-    sim().device().setSuperuser(true);
-    ZEBIdentifierUtilities::reset();
-    Value::Map p = ids().parameters();
+    sim().device().setModel(kPort, "iPad");
+    sim().device().setSuperuser(kPort, true);
+    Value::Map p = ZEBIdentifierUtilities().parameters();
     EXPECT_EQ(*p.find("ios_ipadc"), Value("1"));
     EXPECT_EQ(*p.find("ios_jb"), Value("1"));
-    sim().device().setUserInterfaceIdiom(kit::UserInterfaceIdiom::Pad);
-    ZEBIdentifierUtilities::reset();
-    EXPECT_FALSE(ids().parameters().contains("ios_ipadc"));
+    sim().device().setUserInterfaceIdiom(kPort, kit::UserInterfaceIdiom::Pad);
+    EXPECT_FALSE(ZEBIdentifierUtilities().parameters().contains("ios_ipadc"));
 }

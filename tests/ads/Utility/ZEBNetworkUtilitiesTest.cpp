@@ -1,6 +1,6 @@
 #include "ads/Utility/ZEBNetworkUtilities.h"
 
-#include <gtest/gtest.h>
+#include "tests/support/SimTest.h"
 
 using kit::Url;
 using kit::Value;
@@ -69,16 +69,18 @@ TEST(ZEBNetworkUtilities, ParameterValueForKeyIsExactAndUndecoded) {
     EXPECT_EQ(ZEBNetworkUtilities::parameterValueForKeyFromURL("e", url("http://h/?e=")), "");
 }
 
-TEST(ZEBNetworkUtilities, HashFragmentAndUserAgent) {
+TEST(ZEBNetworkUtilities, WithoutHashFragment) {
     EXPECT_EQ(ZEBNetworkUtilities::urlStringWithoutHashFragment("http://h/p#a#b"), "http://h/p#a");
     EXPECT_EQ(ZEBNetworkUtilities::urlStringWithoutHashFragment("http://h/p"), "http://h/p");
+}
 
-    ZEBNetworkUtilities::reset();
+using ZEBNetworkUtilitiesTest = SimTest;
+
+TEST_F(ZEBNetworkUtilitiesTest, TheUserAgentIsKeptOnceAWebViewSentOne) {
     EXPECT_EQ(ZEBNetworkUtilities::userAgentString(), std::nullopt);
     ZEBNetworkUtilities::setUserAgentString("Agent/1");
     ZEBNetworkUtilities::setUserAgentString("");
     EXPECT_EQ(ZEBNetworkUtilities::userAgentString(), "Agent/1");
     ZEBNetworkUtilities::setUserAgentString("Agent/2");
     EXPECT_EQ(ZEBNetworkUtilities::userAgentString(), "Agent/2");
-    ZEBNetworkUtilities::reset();
 }

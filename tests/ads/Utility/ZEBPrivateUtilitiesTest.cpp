@@ -1,6 +1,6 @@
 #include "ads/Utility/ZEBPrivateUtilities.h"
 
-#include <gtest/gtest.h>
+#include "tests/support/SimTest.h"
 
 namespace {
 class Companion : public kit::Object {
@@ -26,11 +26,8 @@ public:
 };
 }  // namespace
 
-class ZEBPrivateUtilitiesTest : public ::testing::Test {
-protected:
-    void SetUp() override { ZEBPrivateUtilities::reset(); }
-    void TearDown() override { ZEBPrivateUtilities::reset(); }
-};
+// The table belongs to the platform: a fresh one per test.
+using ZEBPrivateUtilitiesTest = SimTest;
 
 TEST_F(ZEBPrivateUtilitiesTest, CompanionLivesExactlyAsLongAsItsPublicObject) {
     bool destroyed = false;

@@ -21,7 +21,6 @@ protected:
     }
     void TearDown() override {
         view.reset();
-        ZEBNotificationCenter::reset();
         AdContextTest::TearDown();
     }
     const std::vector<std::string>& scripts() { return SimWebPage::of(*view).scripts(); }

@@ -5,6 +5,7 @@
 #include "kit/RunLoop.h"
 #include "kit/Window.h"
 #include "kit/port/PortKey.h"
+#include "kit/port/ViewPeer.h"
 #include "tests/integration/support/QtTestApplication.h"
 
 #include <QApplication>
