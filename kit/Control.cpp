@@ -87,7 +87,7 @@ uint32_t Control::allControlEvents() const {
 }
 
 void Control::beginTracking(Point point) {
-    auto keep = shared_from_this();
+    auto self = retained(this);
     tracking_ = true;
     touchInside_ = pointInside(point, nullptr);
     setHighlighted(true);
@@ -96,7 +96,7 @@ void Control::beginTracking(Point point) {
 
 void Control::continueTracking(Point point) {
     if (!tracking_) return;
-    auto keep = shared_from_this();
+    auto self = retained(this);
     const bool inside = pointInside(point, nullptr);
     if (inside != touchInside_) {
         touchInside_ = inside;
@@ -110,7 +110,7 @@ void Control::continueTracking(Point point) {
 
 void Control::endTracking(Point point) {
     if (!tracking_) return;
-    auto keep = shared_from_this();
+    auto self = retained(this);
     tracking_ = false;
     touchInside_ = pointInside(point, nullptr);
     setHighlighted(false);
@@ -120,7 +120,7 @@ void Control::endTracking(Point point) {
 
 void Control::cancelTracking() {
     if (!tracking_) return;
-    auto keep = shared_from_this();
+    auto self = retained(this);
     tracking_ = false;
     touchInside_ = false;
     setHighlighted(false);

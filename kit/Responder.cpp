@@ -17,7 +17,7 @@ bool Responder::becomeFirstResponder() {
     auto window = responderWindow();
     if (!window) return false;
     if (auto current = window->firstResponder(); current && !current->resignFirstResponder()) return false;
-    window->firstResponder_ = std::static_pointer_cast<Responder>(shared_from_this());
+    window->firstResponder_ = retained(this);
     return true;
 }
 

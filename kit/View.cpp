@@ -187,7 +187,7 @@ void View::detachFromSuperview() {
 
 void View::removeFromSuperview() {
     if (!superview_) return;
-    auto keep = shared_from_this();  // the superview may hold the last reference
+    auto self = retained(this);  // the superview may hold the last reference
     const auto oldWindow = window();
     detachFromSuperview();
     didMoveToSuperview();
@@ -201,7 +201,7 @@ void View::notifyMovedToWindow(View& view) {
 }
 
 std::shared_ptr<View> View::viewWithTag(int tag) {
-    if (tag_ == tag) return std::static_pointer_cast<View>(shared_from_this());
+    if (tag_ == tag) return retained(this);
     for (auto& subview : subviews_) {
         if (auto found = subview->viewWithTag(tag)) return found;
     }
@@ -238,7 +238,7 @@ std::shared_ptr<View> View::hitTest(Point point, const Event* event) {
     for (auto it = subviews.rbegin(); it != subviews.rend(); ++it) {
         if (auto hit = (*it)->hitTest(fromSuperview(**it, point), event)) return hit;
     }
-    return std::static_pointer_cast<View>(shared_from_this());
+    return retained(this);
 }
 
 bool View::pointInside(Point point, const Event*) {

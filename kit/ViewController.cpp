@@ -16,10 +16,6 @@ ViewController::ViewController() = default;
 
 ViewController::~ViewController() = default;
 
-std::shared_ptr<ViewController> ViewController::self() {
-    return std::static_pointer_cast<ViewController>(shared_from_this());
-}
-
 std::shared_ptr<Window> ViewController::window() const {
     return view_ ? view_->window() : nullptr;
 }
@@ -77,7 +73,7 @@ void ViewController::presentViewController(std::shared_ptr<ViewController> contr
     auto window = this->window();
     if (!window) return refuse("the presenting view is not in a window");
 
-    auto presenter = self();
+    auto presenter = retained(this);
     presented_ = controller;
     controller->presenting_ = presenter;
     inTransition_ = controller->inTransition_ = true;
@@ -117,7 +113,7 @@ void ViewController::dismissViewController(bool animated, std::function<void()> 
                     presented_->description());
         return;
     }
-    auto presenter = self();
+    auto presenter = retained(this);
     inTransition_ = true;
     for (auto& c : stack) c->inTransition_ = true;
     auto top = stack.back();
@@ -150,15 +146,15 @@ void ViewController::dismissViewController(bool animated, std::function<void()> 
 void ViewController::addChildViewController(std::shared_ptr<ViewController> child) {
     if (!child || child.get() == this || child->parentViewController().get() == this) return;
     child->removeFromParentViewController();
-    child->parent_ = self();
+    child->parent_ = retained(this);
     children_.push_back(std::move(child));
 }
 
 void ViewController::removeFromParentViewController() {
     auto parent = parent_.lock();
     if (!parent) return;
-    auto keep = self();
-    std::erase(parent->children_, keep);
+    auto self = retained(this);
+    std::erase(parent->children_, self);
     parent_.reset();
 }
 

@@ -87,7 +87,6 @@ protected:
     std::shared_ptr<Window> responderWindow() const override;
 
 private:
-    std::shared_ptr<ViewController> self();
     std::shared_ptr<Window> window() const;
 
     std::shared_ptr<View> view_;

@@ -41,7 +41,7 @@ void Window::setRootViewController(std::shared_ptr<ViewController> controller) {
 
 void Window::makeKeyAndVisible() {
     setHidden(false);
-    Application::shared().setKeyWindow(std::static_pointer_cast<Window>(shared_from_this()));
+    Application::shared().setKeyWindow(retained(this));
     if (onScreen_) return;
     onScreen_ = true;
     auto root = rootViewController_;
@@ -83,7 +83,7 @@ std::shared_ptr<Control> Window::trackedControl() {
 
 void Window::touchDown(const PortKey& key, Point point) {
     RunLoop::Turn turn(key);
-    auto keep = shared_from_this();
+    auto self = retained(this);
     if (auto previous = std::exchange(tracking_, nullptr)) previous->cancelTracking();  // a lost touch-up
     const Event event{EventType::Touches, RunLoop::main().now()};
     auto control = controlAt(hitTest(point, &event));

@@ -79,11 +79,11 @@ void ZEBWebView::saveState() {
 void ZEBWebView::restoreState() {
     auto state = vars();
     if (!state->savedState) return;
-    auto keep = shared_from_this();
+    auto self = retained(this);
     removeFromSuperview();
     setFrame(state->savedFrame);
     state->savedFrame = {};
-    if (state->savedSuperview) state->savedSuperview->addSubview(std::static_pointer_cast<kit::View>(keep));
+    if (state->savedSuperview) state->savedSuperview->addSubview(self);
     state->savedSuperview.reset();
     setDelegate(state->savedDelegate);
     state->savedDelegate.reset();
