@@ -32,7 +32,6 @@ void exercise() {
     stats.urlForClick(*kit::Url::parse("http://h/c?ai=x"));
     stats.parameters();
     stats.synchronize();
-    ZEBStatistics::releaseSharedStatistics();
 }
 }  // namespace
 

@@ -18,6 +18,10 @@ public:
 
     const Value::Map& infoDictionary() const { return info_; }
     const Value* objectForInfoDictionaryKey(std::string_view key) const { return info_.find(key); }
+    // The application's name as people see it ("CFBundleName"), and as its files and process are
+    // named ("CFBundleExecutable"); empty when the map does not say.
+    std::string name() const { return text("CFBundleName"); }
+    std::string executableName() const { return text("CFBundleExecutable"); }
     void setInfoDictionary(const PortKey&, Value::Map info) { info_ = std::move(info); }
 
     // Reads the map from a property-list file; a missing or unreadable file, or one that holds no
@@ -25,6 +29,8 @@ public:
     void loadInfoDictionary(const PortKey&, const std::filesystem::path& file);
 
 private:
+    std::string text(std::string_view key) const;
+
     Value::Map info_;
 };
 

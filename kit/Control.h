@@ -58,9 +58,12 @@ public:
     void addTargetActionForControlEvents(const std::shared_ptr<T>& target, void (T::*action)(Control& sender),
                                          uint32_t events) {
         std::weak_ptr<T> weak = target;
-        addRegistration(weak, [weak, action](Control& sender) {
-            if (auto receiver = weak.lock()) (receiver.get()->*action)(sender);
-        }, events);
+        addRegistration(
+            weak,
+            [weak, action](Control& sender) {
+                if (auto receiver = weak.lock()) (receiver.get()->*action)(sender);
+            },
+            events);
     }
     // An action of the control's own, with no target; it owns what it captures, so it should
     // capture weakly what may go away before the control.

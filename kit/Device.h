@@ -43,7 +43,9 @@ public:
     // The untranslated "C" and "POSIX" locales count as English.
     static std::vector<std::string> languagesFromLocaleVariables(const char* language, const char* lcAll,
                                                                  const char* lcMessages, const char* lang);
-    void setPreferredLanguages(const PortKey&, std::vector<std::string> v) { preferredLanguages_ = std::move(v); }
+    void setPreferredLanguages(const PortKey&, std::vector<std::string> v) {
+        preferredLanguages_ = std::move(v);
+    }
     void setSuperuser(const PortKey&, bool v) { superuser_ = v; }
 
 private:

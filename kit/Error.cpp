@@ -12,7 +12,7 @@ Error::Error(std::string domain, int64_t code, Value::Map userInfo,
       underlying_(std::move(underlyingError)) {}
 
 std::shared_ptr<const Error> Error::make(std::string domain, int64_t code, Value::Map userInfo,
-                                   std::shared_ptr<const Error> underlyingError) {
+                                         std::shared_ptr<const Error> underlyingError) {
     return std::make_shared<Error>(std::move(domain), code, std::move(userInfo), std::move(underlyingError));
 }
 

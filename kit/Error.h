@@ -23,7 +23,7 @@ public:
     Error(std::string domain, int64_t code, Value::Map userInfo = {},
           std::shared_ptr<const Error> underlyingError = nullptr);
     static std::shared_ptr<const Error> make(std::string domain, int64_t code, Value::Map userInfo = {},
-                                       std::shared_ptr<const Error> underlyingError = nullptr);
+                                             std::shared_ptr<const Error> underlyingError = nullptr);
 
     const std::string& domain() const { return domain_; }
     int64_t code() const { return code_; }

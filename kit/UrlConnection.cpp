@@ -1,11 +1,11 @@
 #include "kit/UrlConnection.h"
 
 #include "kit/CachedUrlResponse.h"
-#include "kit/port/Platform.h"
-#include "kit/port/UrlLoader.h"
 #include "kit/RunLoop.h"
 #include "kit/UrlCache.h"
 #include "kit/UrlError.h"
+#include "kit/port/Platform.h"
+#include "kit/port/UrlLoader.h"
 
 #include <algorithm>
 #include <cctype>
@@ -35,7 +35,9 @@ public:
     }
     void loaderDidReceiveData(std::string_view data) override { keep().loaderDidReceiveData(data); }
     void loaderDidFinish() override { keep().loaderDidFinish(); }
-    void loaderDidFail(std::shared_ptr<const Error> error) override { keep().loaderDidFail(std::move(error)); }
+    void loaderDidFail(std::shared_ptr<const Error> error) override {
+        keep().loaderDidFail(std::move(error));
+    }
 
 private:
     UrlConnection& keep() {

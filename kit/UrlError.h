@@ -25,7 +25,8 @@ constexpr int kTooManyRedirects = -1007;
 constexpr int kBadServerResponse = -1011;
 constexpr int kSecureConnectionFailed = -1200;
 
-std::shared_ptr<const Error> make(int code, const std::string& failingUrl, const std::string& description = {});
+std::shared_ptr<const Error> make(int code, const std::string& failingUrl,
+                                  const std::string& description = {});
 }  // namespace UrlError
 
 }  // namespace kit

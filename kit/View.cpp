@@ -1,10 +1,10 @@
 #include "kit/View.h"
 
+#include "kit/RunLoop.h"
+#include "kit/Window.h"
 #include "kit/port/Platform.h"
 #include "kit/port/ViewPeer.h"
-#include "kit/RunLoop.h"
 #include "kit/port/ViewPeerFactory.h"
-#include "kit/Window.h"
 
 #include <algorithm>
 #include <utility>

@@ -2,9 +2,9 @@
 
 #include "kit/Application.h"
 #include "kit/Control.h"
-#include "kit/port/Platform.h"
 #include "kit/RunLoop.h"
 #include "kit/ViewController.h"
+#include "kit/port/Platform.h"
 #include "kit/port/PortKey.h"
 #include "kit/port/ViewPeerFactory.h"
 

@@ -2,8 +2,8 @@
 
 #include "ads/ThirdParty/KBLStringEncoding.h"
 #include "ads/Utility/ZEBNetworkUtilities.h"
-#include "kit/FileManager.h"
 #include "kit/Clock.h"
+#include "kit/FileManager.h"
 #include "kit/RunLoop.h"
 #include "kit/SharedInstances.h"
 #include "kit/UrlCache.h"

@@ -19,5 +19,5 @@ public:
     virtual void cachedFileDownloadDidFail(ZEBCachedFile& file, std::shared_ptr<const kit::Error> error) = 0;
     // None lets the redirect go ahead; an error stops the download, which then fails with it.
     virtual std::shared_ptr<const kit::Error> cachedFileShouldRedirectToURL(ZEBCachedFile& file,
-                                                                      const kit::Url& url) = 0;
+                                                                            const kit::Url& url) = 0;
 };

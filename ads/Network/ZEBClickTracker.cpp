@@ -57,8 +57,7 @@ void ZEBClickTracker::beginBackgroundTask() {
     kit::Application& application = kit::Application::shared();
     if (application.offersBackgroundTasks()) {
         // The handler holds the tracker: it must still be there when time runs out.
-        backgroundTaskID_ = application.beginBackgroundTask(
-            [self = retained(this)] { self->reset(); });
+        backgroundTaskID_ = application.beginBackgroundTask([self = retained(this)] { self->reset(); });
     } else {
         ++trackingCount();
         counted_ = true;
@@ -77,7 +76,7 @@ void ZEBClickTracker::endBackgroundTask() {
 }
 
 std::shared_ptr<const kit::Error> ZEBClickTracker::cachedFileShouldRedirectToURL(ZEBCachedFile& file,
-                                                                           const kit::Url& url) {
+                                                                                 const kit::Url& url) {
     std::string scheme = url.scheme();
     std::transform(scheme.begin(), scheme.end(), scheme.begin(),
                    [](unsigned char c) { return std::tolower(c); });

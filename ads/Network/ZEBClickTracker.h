@@ -35,7 +35,7 @@ public:
     void cachedFileDownloadDidEnd(ZEBCachedFile& file) override;
     void cachedFileDownloadDidFail(ZEBCachedFile& file, std::shared_ptr<const kit::Error> error) override;
     std::shared_ptr<const kit::Error> cachedFileShouldRedirectToURL(ZEBCachedFile& file,
-                                                              const kit::Url& url) override;
+                                                                    const kit::Url& url) override;
 
 private:
     void beginBackgroundTask();

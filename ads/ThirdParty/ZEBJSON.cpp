@@ -925,8 +925,8 @@ std::optional<std::string> ZEBJSON::stringWithFragmentError(const Value& value,
     return stringWithObjectAllowScalarError(value, true, error);
 }
 
-std::optional<std::string> ZEBJSON::stringWithObjectAllowScalarError(const Value& value, bool allowScalar,
-                                                                     std::shared_ptr<const kit::Error>* error) {
+std::optional<std::string> ZEBJSON::stringWithObjectAllowScalarError(
+    const Value& value, bool allowScalar, std::shared_ptr<const kit::Error>* error) {
     depth_ = 0;
     std::shared_ptr<const kit::Error> failure;
     std::optional<std::string> result;

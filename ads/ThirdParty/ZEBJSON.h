@@ -62,17 +62,17 @@ public:
                                                     std::shared_ptr<const kit::Error>* error = nullptr);
     std::optional<kit::Value> fragmentWithStringError(std::optional<std::string_view> text,
                                                       std::shared_ptr<const kit::Error>* error = nullptr);
-    std::optional<kit::Value> objectWithStringAllowScalarError(std::optional<std::string_view> text,
-                                                               bool allowScalar,
-                                                               std::shared_ptr<const kit::Error>* error = nullptr);
+    std::optional<kit::Value> objectWithStringAllowScalarError(
+        std::optional<std::string_view> text, bool allowScalar,
+        std::shared_ptr<const kit::Error>* error = nullptr);
 
     // Writers.
     std::optional<std::string> stringWithObjectError(const kit::Value& value,
                                                      std::shared_ptr<const kit::Error>* error = nullptr);
     std::optional<std::string> stringWithFragmentError(const kit::Value& value,
                                                        std::shared_ptr<const kit::Error>* error = nullptr);
-    std::optional<std::string> stringWithObjectAllowScalarError(const kit::Value& value, bool allowScalar,
-                                                                std::shared_ptr<const kit::Error>* error = nullptr);
+    std::optional<std::string> stringWithObjectAllowScalarError(
+        const kit::Value& value, bool allowScalar, std::shared_ptr<const kit::Error>* error = nullptr);
 
     // The codec's errors: a code and a message (the localized description), optionally wrapping the
     // error that caused it.

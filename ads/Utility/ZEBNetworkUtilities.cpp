@@ -118,4 +118,3 @@ std::optional<std::string> ZEBNetworkUtilities::parameterValueForKeyFromURL(std:
         rest.remove_prefix(amp + 1);
     }
 }
-

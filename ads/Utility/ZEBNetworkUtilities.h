@@ -41,5 +41,4 @@ public:
     // The raw (still encoded) value of the first "key=value" piece of the URL's query whose name
     // equals `key` exactly.
     static std::optional<std::string> parameterValueForKeyFromURL(std::string_view key, const kit::Url& url);
-
 };

@@ -42,4 +42,3 @@ void ZEBPrivateUtilities::removePrivateObjectForKey(const kit::Object* key) {
 size_t ZEBPrivateUtilities::count() {
     return table().size();
 }
-

@@ -1,5 +1,7 @@
 #include "kit/qt/PulseAudioSession.h"
 
+#include "kit/Bundle.h"
+
 #include <pulse/pulseaudio.h>
 
 #include <chrono>
@@ -59,7 +61,8 @@ std::optional<std::string> PulseAudioSession::currentRoute() {
     std::unique_ptr<pa_mainloop, decltype(&pa_mainloop_free)> loop(pa_mainloop_new(), pa_mainloop_free);
     if (!loop) return std::nullopt;
     std::unique_ptr<pa_context, decltype(&pa_context_unref)> context(
-        pa_context_new(pa_mainloop_get_api(loop.get()), "quiblo"), pa_context_unref);
+        pa_context_new(pa_mainloop_get_api(loop.get()), Bundle::main().executableName().c_str()),
+        pa_context_unref);
     if (!context) return std::nullopt;
     if (pa_context_connect(context.get(), nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0) return std::nullopt;
 

@@ -1,5 +1,7 @@
 #include "kit/qt/QtApplication.h"
 
+#include "kit/Bundle.h"
+
 #include <QDBusConnection>
 #include <QDBusInterface>
 #include <QDBusReply>
@@ -35,8 +37,8 @@ void QtApplication::idleTimerDidChange() {
                          "org.freedesktop.ScreenSaver", QDBusConnection::sessionBus());
     if (!saver.isValid()) return;
     if (isIdleTimerDisabled() && inhibitCookie_ == 0) {
-        QDBusReply<uint32_t> reply =
-            saver.call("Inhibit", QStringLiteral("Quiblo"), QStringLiteral("Keeping the screen awake"));
+        QDBusReply<uint32_t> reply = saver.call("Inhibit", QString::fromStdString(Bundle::main().name()),
+                                                QStringLiteral("Keeping the screen awake"));
         if (reply.isValid()) inhibitCookie_ = reply.value();
     } else if (!isIdleTimerDisabled() && inhibitCookie_ != 0) {
         saver.call("UnInhibit", inhibitCookie_);

@@ -36,9 +36,8 @@ QtPlatform::QtPlatform(UserInterfaceIdiom idiom)
     // The information map is written beside the resources when the application is built.
     bundle_.loadInfoDictionary(key, resources / "Info.plist");
     // Folders are named after the application's executable: $XDG_CACHE_HOME/quiblo and so on.
-    const Value* executable = bundle_.objectForInfoDictionaryKey("CFBundleExecutable");
-    if (executable && executable->string() && !executable->string()->empty())
-        QCoreApplication::setApplicationName(QString::fromStdString(*executable->string()));
+    if (!bundle_.executableName().empty())
+        QCoreApplication::setApplicationName(QString::fromStdString(bundle_.executableName()));
     auto caches = standardFolder(QStandardPaths::CacheLocation);
     auto data = standardFolder(QStandardPaths::AppDataLocation);
     auto config = standardFolder(QStandardPaths::AppConfigLocation);
@@ -50,10 +49,11 @@ QtPlatform::QtPlatform(UserInterfaceIdiom idiom)
     SystemDevice::fill(device_, idiom);
     bool tablet = idiom == UserInterfaceIdiom::Pad;
     screen_.setBounds(key, tablet ? Rect{0, 0, 1024, 768} : Rect{0, 0, 480, 320});
-    if (QScreen* display = QGuiApplication::primaryScreen()) screen_.setScale(key, display->devicePixelRatio());
+    if (QScreen* display = QGuiApplication::primaryScreen())
+        screen_.setScale(key, display->devicePixelRatio());
     // Without a machine identifier, one made up once and kept in the settings stands in for it.
     if (device_.uniqueIdentifier().empty()) {
-        static constexpr const char* kKey = "QuibloDeviceIdentifier";
+        static constexpr const char* kKey = "DeviceIdentifier";
         std::optional<std::string> kept = userDefaults_->string(kKey);
         if (!kept || kept->empty()) {
             std::random_device random;

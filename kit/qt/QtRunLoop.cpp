@@ -1,7 +1,7 @@
 #include "kit/qt/QtRunLoop.h"
 
-#include "kit/port/PortKey.h"
 #include "kit/RunLoop.h"
+#include "kit/port/PortKey.h"
 
 #include <QCoreApplication>
 #include <QMetaObject>

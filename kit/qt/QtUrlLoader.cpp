@@ -1,8 +1,8 @@
 #include "kit/qt/QtUrlLoader.h"
 
-#include "kit/port/Platform.h"
 #include "kit/RunLoop.h"
 #include "kit/UrlError.h"
+#include "kit/port/Platform.h"
 
 #include <QNetworkAccessManager>
 #include <QNetworkReply>

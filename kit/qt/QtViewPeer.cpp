@@ -1,10 +1,10 @@
 #include "kit/qt/QtViewPeer.h"
 
-#include "kit/port/PortKey.h"
 #include "kit/Button.h"
 #include "kit/Image.h"
 #include "kit/ImageView.h"
 #include "kit/View.h"
+#include "kit/port/PortKey.h"
 
 #include <QPainter>
 #include <QPainterPath>

@@ -1,8 +1,8 @@
 #include "kit/qt/QtViewPeerFactory.h"
 
-#include "kit/port/PortKey.h"
 #include "kit/WebView.h"
 #include "kit/Window.h"
+#include "kit/port/PortKey.h"
 #include "kit/qt/QtViewPeer.h"
 #include "kit/qt/QtWebViewPeer.h"
 #include "kit/qt/QtWindowPeer.h"

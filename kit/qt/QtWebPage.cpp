@@ -1,9 +1,9 @@
 #include "kit/qt/QtWebPage.h"
 
-#include "kit/port/PortKey.h"
 #include "kit/Error.h"
 #include "kit/RunLoop.h"
 #include "kit/WebView.h"
+#include "kit/port/PortKey.h"
 
 #include <QSizeF>
 #include <QWebEngineHistory>
@@ -202,10 +202,10 @@ void QtWebPage::rendererDidEnd(RenderProcessTerminationStatus status, int exitCo
     RunLoop::Turn turn(key);
     auto self = retained(&view());
     if (!std::exchange(reporting_, false)) return;
-    view().pageDidFailLoad(key,
-                           Error::make("WebViewErrorDomain", exitCode,
-                                       {{Error::kLocalizedDescriptionKey,
-                                         fmt::format("The page's renderer ended (status {})", int(status))}}));
+    view().pageDidFailLoad(
+        key, Error::make("WebViewErrorDomain", exitCode,
+                         {{Error::kLocalizedDescriptionKey,
+                           fmt::format("The page's renderer ended (status {})", int(status))}}));
 }
 
 void QtWebPage::loadingDidChange(const QWebEngineLoadingInfo& info) {
@@ -231,9 +231,9 @@ void QtWebPage::loadingDidChange(const QWebEngineLoadingInfo& info) {
                 view().pageDidFinishLoad(key, viewUrl(url()));
                 break;
             }
-            view().pageDidFailLoad(key, Error::make("WebViewErrorDomain", info.errorCode(),
-                                                        {{Error::kLocalizedDescriptionKey,
-                                                          info.errorString().toStdString()}}));
+            view().pageDidFailLoad(
+                key, Error::make("WebViewErrorDomain", info.errorCode(),
+                                 {{Error::kLocalizedDescriptionKey, info.errorString().toStdString()}}));
             break;
     }
 }

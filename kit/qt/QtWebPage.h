@@ -1,7 +1,7 @@
 #pragma once
 
-#include "kit/port/WebPage.h"
 #include "kit/WebViewDelegate.h"
+#include "kit/port/WebPage.h"
 
 #include <QUrl>
 #include <QWebEnginePage>

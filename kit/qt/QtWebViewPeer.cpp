@@ -1,9 +1,9 @@
 #include "kit/qt/QtWebViewPeer.h"
 
-#include "kit/port/PortKey.h"
 #include "kit/RunLoop.h"
 #include "kit/WebView.h"
 #include "kit/Window.h"
+#include "kit/port/PortKey.h"
 #include "kit/qt/QtWebPage.h"
 
 #include <QApplication>

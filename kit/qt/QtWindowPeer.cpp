@@ -1,8 +1,9 @@
 #include "kit/qt/QtWindowPeer.h"
 
-#include "kit/port/PortKey.h"
+#include "kit/Bundle.h"
 #include "kit/RunLoop.h"
 #include "kit/Window.h"
+#include "kit/port/PortKey.h"
 #include "kit/qt/QtWebViewPeer.h"
 
 #include <QCloseEvent>
@@ -13,7 +14,7 @@
 namespace kit::qt {
 
 QtWindowPeer::QtWindowPeer(Window& window) : QtViewPeer(window, nullptr), window_(window) {
-    setWindowTitle(QStringLiteral("Quiblo"));
+    setWindowTitle(QString::fromStdString(Bundle::main().name()));
     Rect frame = window.frame();
     setFixedSize(static_cast<int>(frame.width()), static_cast<int>(frame.height()));
     // Touch screens deliver touches as mouse events too; one finger is all the model knows.

@@ -42,8 +42,9 @@ void SystemDevice::fill(Device& device, UserInterfaceIdiom idiom) {
     std::string product = firstLine("/sys/devices/virtual/dmi/id/product_name");
     device.setModel(key, product.empty() ? "Linux" : product);
     device.setUniqueIdentifier(key, machineId());
-    device.setPreferredLanguages(key, Device::languagesFromLocaleVariables(
-        std::getenv("LANGUAGE"), std::getenv("LC_ALL"), std::getenv("LC_MESSAGES"), std::getenv("LANG")));
+    device.setPreferredLanguages(
+        key, Device::languagesFromLocaleVariables(std::getenv("LANGUAGE"), std::getenv("LC_ALL"),
+                                                  std::getenv("LC_MESSAGES"), std::getenv("LANG")));
     device.setSuperuser(key, geteuid() == 0);
 }
 

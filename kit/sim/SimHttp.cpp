@@ -65,12 +65,14 @@ public:
         if (answer.status != 0) {
             UrlResponse head(request_.url(), answer.status, answer.headers);
             reports_.postAfter(at, [this, head] {
-                if (request_.httpShouldHandleCookies()) network_.keepCookies(request_, head.allHeaderFields());
+                if (request_.httpShouldHandleCookies())
+                    network_.keepCookies(request_, head.allHeaderFields());
                 client_.loaderDidReceiveResponse(head);
             });
             for (size_t i = 0; i < answer.body.size(); ++i) {
                 if (i > 0 && !wait(answer.pieceInterval)) return;
-                reports_.postAfter(at, [this, piece = answer.body[i]] { client_.loaderDidReceiveData(piece); });
+                reports_.postAfter(at,
+                                   [this, piece = answer.body[i]] { client_.loaderDidReceiveData(piece); });
             }
         }
         if (answer.failure) {

@@ -2,8 +2,8 @@
 
 #include "kit/Error.h"
 #include "kit/HttpHeaders.h"
-#include "kit/port/UrlLoader.h"
 #include "kit/UrlRequest.h"
+#include "kit/port/UrlLoader.h"
 
 #include <functional>
 #include <map>

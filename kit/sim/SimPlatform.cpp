@@ -62,7 +62,8 @@ SimPlatform& SimPlatform::install() {
     return ref;
 }
 
-std::unique_ptr<UrlLoader> SimPlatform::createUrlLoader(const UrlRequest& request, UrlLoader::Client& client) {
+std::unique_ptr<UrlLoader> SimPlatform::createUrlLoader(const UrlRequest& request,
+                                                        UrlLoader::Client& client) {
     return http_.createLoader(request, client);
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "kit/CallGroup.h"
-#include "kit/port/WebPage.h"
 #include "kit/WebViewDelegate.h"
+#include "kit/port/WebPage.h"
 
 #include <functional>
 #include <optional>

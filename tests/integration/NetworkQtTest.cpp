@@ -36,7 +36,8 @@ public:
         ++fails;
         error = std::move(e);
     }
-    std::shared_ptr<const kit::Error> cachedFileShouldRedirectToURL(ZEBCachedFile&, const kit::Url&) override {
+    std::shared_ptr<const kit::Error> cachedFileShouldRedirectToURL(ZEBCachedFile&,
+                                                                    const kit::Url&) override {
         return nullptr;
     }
     void trackerDidRedirect(ZEBClickTracker&, const kit::Url& to) override {

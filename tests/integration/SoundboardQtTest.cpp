@@ -4,8 +4,8 @@
 #include "kit/InterfaceFile.h"
 #include "kit/RunLoop.h"
 #include "kit/Window.h"
-#include "kit/qt/QtPlatform.h"
 #include "kit/port/PortKey.h"
+#include "kit/qt/QtPlatform.h"
 #include "tests/integration/support/QtTestApplication.h"
 
 #include <QApplication>

@@ -30,7 +30,8 @@ TEST_F(NotificationCenterTest, DeliversByNameInOrderAndFiltersByObject) {
     auto b = center.addObserver("changed", nullptr, [&](const Notification& n) {
         heard.push_back(std::string("b:") + (n.object == &two ? "two" : "one"));
     });
-    auto every = center.addObserver("", nullptr, [&](const Notification& n) { heard.push_back("*" + n.name); });
+    auto every =
+        center.addObserver("", nullptr, [&](const Notification& n) { heard.push_back("*" + n.name); });
     center.post("changed", &two, {{"what", "x"}});
     center.post("changed", &one, {{"what", "y"}});
     center.post("other", &one);

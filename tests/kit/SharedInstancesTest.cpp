@@ -75,8 +75,7 @@ TEST_F(SharedInstancesTest, AnInstanceCanBePutInPlaceOrTakenAway) {
 TEST_F(SharedInstancesTest, ThreadsRacingForTheFirstUseMakeOneInstance) {
     std::vector<std::thread> threads;
     std::vector<Slow*> seen(8);
-    for (size_t i = 0; i < seen.size(); ++i)
-        threads.emplace_back([&, i] { seen[i] = &kit::shared<Slow>(); });
+    for (size_t i = 0; i < seen.size(); ++i) threads.emplace_back([&, i] { seen[i] = &kit::shared<Slow>(); });
     for (auto& thread : threads) thread.join();
     EXPECT_EQ(Slow::made, 1);
     for (Slow* instance : seen) EXPECT_EQ(instance, seen[0]);

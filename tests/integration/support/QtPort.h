@@ -56,8 +56,12 @@ public:
         std::lock_guard lock(mutex_);
         return seen_[path];
     }
-    bool runUntil(const std::function<bool()>& done, double seconds) { return webtest::runUntil(done, seconds); }
-    void settle() { webtest::runUntil([] { return false; }, 0.5); }
+    bool runUntil(const std::function<bool()>& done, double seconds) {
+        return webtest::runUntil(done, seconds);
+    }
+    void settle() {
+        webtest::runUntil([] { return false; }, 0.5);
+    }
     // The real engine runs the scripts itself.
     void answerScripts(kit::WebView&, const ScriptAnswers&) {}
     void navigateFromContent(kit::WebView& view, const std::string& url) {
@@ -103,15 +107,16 @@ private:
         }
         auto pieces = std::make_shared<std::vector<std::string>>(reply.pieces);
         double gap = reply.pieceGap;
-        response.set_chunked_content_provider(type, [this, pieces, gap](size_t index, httplib::DataSink& sink) {
-            size_t i = index == 0 ? 0 : sentPieces(pieces, index);
-            if (i >= pieces->size() || (i > 0 && !pause(gap))) {
-                sink.done();
-                return true;
-            }
-            sink.write((*pieces)[i].data(), (*pieces)[i].size());
-            return true;
-        });
+        response.set_chunked_content_provider(type,
+                                              [this, pieces, gap](size_t index, httplib::DataSink& sink) {
+                                                  size_t i = index == 0 ? 0 : sentPieces(pieces, index);
+                                                  if (i >= pieces->size() || (i > 0 && !pause(gap))) {
+                                                      sink.done();
+                                                      return true;
+                                                  }
+                                                  sink.write((*pieces)[i].data(), (*pieces)[i].size());
+                                                  return true;
+                                              });
     }
     // How many pieces make up `bytes` sent so far.
     static size_t sentPieces(const std::shared_ptr<std::vector<std::string>>& pieces, size_t bytes) {

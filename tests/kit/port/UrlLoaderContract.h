@@ -163,7 +163,8 @@ TYPED_TEST_P(UrlLoaderContract, NothingIsReportedAfterCancelOrDestructionEvenFro
     RecordingClient dropped;
     this->start(url, dropped);
     this->loaders.pop_back();
-    ASSERT_TRUE(this->port.runUntil([&] { return !this->client.calls.empty() && this->client.calls.back() == "data"; }, 20));
+    ASSERT_TRUE(this->port.runUntil(
+        [&] { return !this->client.calls.empty() && this->client.calls.back() == "data"; }, 20));
     this->port.settle();
     EXPECT_EQ(this->client.calls, (std::vector<std::string>{"response 200", "data"}));
     EXPECT_EQ(this->client.body, "a");

@@ -45,7 +45,8 @@ protected:
         port.tearDown();
     }
     void waitForLoads(size_t finished) {
-        ASSERT_TRUE(port.runUntil([&] { return delegate->count("finish") >= finished && !view->isLoading(); }, 20))
+        ASSERT_TRUE(
+            port.runUntil([&] { return delegate->count("finish") >= finished && !view->isLoading(); }, 20))
             << "the page did not finish loading";
     }
     static std::string other() { return std::to_string(int(kit::WebViewNavigationType::Other)); }

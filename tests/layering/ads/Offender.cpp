@@ -1,3 +1,3 @@
 // What the layering check must refuse: the ad client reaching into a port and into Qt.
-#include "kit/sim/SimPlatform.h"
 #include <QWidget>
+#include "kit/sim/SimPlatform.h"
