@@ -14,6 +14,7 @@
 #include <fmt/format.h>
 #include <httplib.h>
 
+#include <sys/socket.h>
 #include <algorithm>
 #include <cctype>
 #include <charconv>
@@ -131,6 +132,12 @@ std::unique_ptr<AdServer> AdServer::create(Settings settings, std::string* error
     // Headers and body go out in separate writes; without this the second waits for the client's
     // delayed acknowledgement (some 40 ms).
     http.set_tcp_nodelay(true);
+    // SO_REUSEADDR lets a restarted server have its port back at once; the library's default also
+    // sets SO_REUSEPORT, with which a second server would share the port instead of being refused.
+    http.set_socket_options([](socket_t socket) {
+        int yes = 1;
+        setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    });
     const Settings& s = server->settings_;
     if (s.port == 0) {
         server->port_ = http.bind_to_any_port(s.host);

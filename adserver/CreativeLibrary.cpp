@@ -100,7 +100,7 @@ window.onVantorMessage = function (name) {
 <a class="cta" href="sms:+15550100,+15550101?body=Listen%20to%20this">Text</a></div>
 )HTML"},
     {"bridge", "links",
-     R"HTML(<div class="ad"><span class="title">Bridge check<span class="sub" id="message">Tap a button</span></span>
+     R"HTML(<div class="ad"><span class="title">Bridge<span class="sub" id="message">Tap a button</span></span>
 <button onclick="vantor('vibrate')">Buzz</button>
 <button onclick="vantor('log', {string: 'hello from ' + data('slot')})">Log</button>
 <button onclick="vantor('httpTrack', {u: data('track')})">Track</button>

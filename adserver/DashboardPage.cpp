@@ -26,7 +26,9 @@ h2{font-size:15px;margin:0 0 8px}
 table{border-collapse:collapse;width:100%}
 th,td{text-align:left;padding:4px 8px;border-bottom:1px solid var(--line);vertical-align:top}
 th{font-size:12px;color:var(--muted);font-weight:normal;text-transform:uppercase}
-td.n{text-align:right;font-variant-numeric:tabular-nums;width:8%}
+td.n{text-align:right;font-variant-numeric:tabular-nums}
+#slots th:not(:first-child),#networks th:not(:first-child){text-align:right;width:9%}
+#events td.name{word-break:normal;white-space:nowrap}
 td.name{font-family:"DejaVu Sans Mono",monospace;word-break:break-all}
 .empty{color:var(--muted);font-style:italic}
 .changed{animation:flash 1.2s ease-out}

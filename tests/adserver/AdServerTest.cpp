@@ -557,6 +557,15 @@ TEST_F(AdServerTest, EventsSurviveARestart) {
     EXPECT_EQ(stored(1).at(0).id, events.front().id + 1);
 }
 
+TEST_F(AdServerTest, ASecondServerOnTheSamePortIsRefused) {
+    AdServer::Settings settings;
+    settings.port = port();
+    settings.dbPath = server.dbPath();
+    std::string error;
+    EXPECT_FALSE(AdServer::create(settings, &error)) << "the port is not shared";
+    EXPECT_EQ(error, "cannot listen on 127.0.0.1:" + std::to_string(port()) + ": Address already in use");
+}
+
 TEST_F(AdServerTest, TheDashboardIsOnePageWithNothingFromOutside) {
     auto page = fetch("/");
     ASSERT_TRUE(page);
