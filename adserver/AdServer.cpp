@@ -17,6 +17,7 @@
 #include <sys/socket.h>
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <charconv>
 #include <chrono>
 #include <csignal>
@@ -139,6 +140,7 @@ std::unique_ptr<AdServer> AdServer::create(Settings settings, std::string* error
         setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
     });
     const Settings& s = server->settings_;
+    errno = 0;
     if (s.port == 0) {
         server->port_ = http.bind_to_any_port(s.host);
     } else if (http.bind_to_port(s.host, s.port)) {
@@ -199,7 +201,8 @@ void AdServer::route() {
     http.Get("/", bind(&AdServer::serveDashboard));
     http.Get("/api/stats", bind(&AdServer::serveStats));
     http.Get("/api/events", bind(&AdServer::serveEvents));
-    http.Get("/" + std::string(SupportScript::kFileName), bind(&AdServer::serveScript));
+    // At the root, or under whatever folder the client's script address names.
+    http.Get(R"(/(?:[^?]*/)?sdk-core-v40\.js)", bind(&AdServer::serveScript));
     http.Get("/ad", bind(&AdServer::serveAd));
     http.Get("/click", bind(&AdServer::serveClick));
     http.Get("/track", bind(&AdServer::serveTracking));

@@ -11,7 +11,6 @@
 // and "type", or "errors"), "invalidRequest" or "unableToServe".
 class SupportScript {
 public:
-    static constexpr std::string_view kFileName = "sdk-core-v40.js";
     // The script for a client that reaches the server at `origin` ("http://host:port").
     static std::string text(const SlotTable& slots, std::string_view origin);
     // A script that loads but whose QUOR_buildAdURL throws before it answers.

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <pthread.h>
+#include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <mutex>
@@ -50,18 +51,25 @@ int main(int argc, char** argv) {
         fmt::print(stderr, "vantor-adserver: {}\n", error);
         return 1;
     }
+    std::atomic<bool> signalled{false}, ended{false};
     std::thread waiter([&] {
         int signal = 0;
         sigwait(&stopSignals, &signal);
-        fmt::print("Stopping on {}\n", signal == SIGINT ? "SIGINT" : "SIGTERM");
-        std::fflush(stdout);
+        if (!ended) {
+            signalled = true;
+            fmt::print("Stopping on {}\n", signal == SIGINT ? "SIGINT" : "SIGTERM");
+            std::fflush(stdout);
+        }
         server->stop();
     });
     fmt::print("Serving {} (dashboard; events in {})\n", server->url("/"), options->db);
     std::fflush(stdout);
     server->run();
+    ended = true;
+    // Serving can only end by a signal; should it end otherwise, the waiter is let go.
+    if (!signalled) pthread_kill(waiter.native_handle(), SIGTERM);
     waiter.join();
     server.reset();
     fmt::print("Stopped\n");
-    return 0;
+    return signalled ? 0 : 1;
 }

@@ -324,6 +324,7 @@ TEST_F(AdServerTest, TheSupportScriptRevalidatesByItsLastModified) {
     EXPECT_EQ(script->status, 200);
     EXPECT_EQ(script->get_header_value("Content-Type"), "application/javascript; charset=utf-8");
     EXPECT_NE(script->body.find("window.QUOR_buildAdURL"), std::string::npos);
+    EXPECT_EQ(fetch("/sdk/v40/sdk-core-v40.js")->body, script->body) << "under any folder too";
     EXPECT_NE(script->body.find("var SERVER = \"" + server.origin() + "\";"), std::string::npos);
     std::string modified = script->get_header_value("Last-Modified");
     auto time = HttpDate::parse(modified);
