@@ -52,7 +52,7 @@ fuzz-build: setup
 FUZZ_FLAGS = -max_total_time=$(FUZZ_SECONDS) -max_len=4096 -timeout=10 -print_final_stats=1
 fuzz: fuzz-build
 	mkdir -p $(FUZZ_BUILD)/corpus/json $(FUZZ_BUILD)/corpus/encoding $(FUZZ_BUILD)/artifacts
-	mkdir -p $(FUZZ_BUILD)/corpus/query $(FUZZ_BUILD)/corpus/store
+	mkdir -p $(FUZZ_BUILD)/corpus/query $(FUZZ_BUILD)/corpus/store $(FUZZ_BUILD)/corpus/adserver
 	$(FUZZ_BUILD)/fuzz/zebjson_fuzzer $(FUZZ_FLAGS) -dict=fuzz/json.dict \
 	    -artifact_prefix=$(FUZZ_BUILD)/artifacts/json- \
 	    $(FUZZ_BUILD)/corpus/json $(TESTDATA)/JSONTestSuite/test_parsing tests/ads/ThirdParty/data
@@ -63,6 +63,8 @@ fuzz: fuzz-build
 	    $(FUZZ_BUILD)/corpus/query
 	$(FUZZ_BUILD)/fuzz/persistedstore_fuzzer $(FUZZ_FLAGS) -artifact_prefix=$(FUZZ_BUILD)/artifacts/store- \
 	    $(FUZZ_BUILD)/corpus/store
+	$(FUZZ_BUILD)/fuzz/adserver_text_fuzzer $(FUZZ_FLAGS) -artifact_prefix=$(FUZZ_BUILD)/artifacts/adserver- \
+	    $(FUZZ_BUILD)/corpus/adserver
 
 # Codec throughput against other libraries (MB/s and ratios); the soundboard's touch-to-sound latency;
 # the web view's bridge latency, cold and warm; the reference ad server's requests per second and
