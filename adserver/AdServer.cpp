@@ -237,8 +237,7 @@ void AdServer::route() {
     // Every answer of 400 or more comes here; those without a body get a line that says what happened.
     http.set_error_handler(
         httplib::Server::HandlerWithResponse([](const Request& request, Response& response) {
-            if (!response.body.empty() || response.status == 304)
-                return httplib::Server::HandlerResponse::Unhandled;
+            if (!response.body.empty()) return httplib::Server::HandlerResponse::Unhandled;
             std::string text = response.status == 404
                                    ? fmt::format("404 nothing here: {}", Escape::displayable(request.path))
                                    : fmt::format("{} {}", response.status, reason(response.status));
