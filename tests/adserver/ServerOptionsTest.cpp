@@ -6,19 +6,12 @@ namespace {
 
 TEST(ServerOptionsTest, ReadsEachOptionInBothSpellings) {
     std::string error;
-    auto defaults = ServerOptions::parse({}, &error);
-    ASSERT_TRUE(defaults) << error;
-    EXPECT_EQ(defaults->port, 8480);
-    EXPECT_EQ(defaults->db, "vantor-adserver.db");
-    EXPECT_FALSE(defaults->config);
-
     auto options = ServerOptions::parse({"--port", "0", "--db=/tmp/e.db", "--config", "slots.json"}, &error);
     ASSERT_TRUE(options) << error;
     EXPECT_EQ(options->port, 0);
     EXPECT_EQ(options->db, "/tmp/e.db");
     EXPECT_EQ(options->config, "slots.json");
-    EXPECT_FALSE(options->help);
-    EXPECT_EQ(ServerOptions::parse({"--port=65535"}, &error)->port, 65535);
+    EXPECT_EQ(ServerOptions::parse({}, &error)->port, 8480) << "the ad client's default";
     EXPECT_TRUE(ServerOptions::parse({"-h"}, &error)->help);
 }
 

@@ -7,24 +7,6 @@
 
 namespace {
 
-TEST(SlotTableTest, TheBuiltInSlotsServeTheSoundboardAndOfferEveryFault) {
-    SlotTable table = SlotTable::builtIn();
-    const Slot* phone = table.find("a1b2c3d4e5f6a7b");
-    const Slot* tablet = table.find("a1f9e8d7c6b5a49");
-    ASSERT_TRUE(phone && tablet);
-    EXPECT_EQ(phone->size(), "320x50");
-    EXPECT_EQ(tablet->size(), "768x90");
-    EXPECT_EQ(phone->answer, Slot::Answer::Creative);
-    for (Fault::Kind kind : Fault::all()) {
-        const Slot* slot = table.find("fault-" + std::string(Fault::name(kind)));
-        ASSERT_TRUE(slot) << Fault::name(kind);
-        EXPECT_EQ(slot->fault, kind);
-    }
-    EXPECT_EQ(table.find("demo-mediation")->typeWord(), "tessar");
-    EXPECT_EQ(phone->typeWord(), "pelko");
-    EXPECT_FALSE(table.scriptFault());
-}
-
 TEST(SlotTableTest, AFileAddsSlotsAndReplacesThoseOfTheSameName) {
     auto file = std::filesystem::temp_directory_path() / "slot-table-test.json";
     std::ofstream(file) << R"({"slots": {"a1b2c3d4e5f6a7b": {"answer": "off"},
