@@ -7,7 +7,7 @@ TESTDATA   ?= ../shared/testdata
 JOBS       ?= 2
 CMAKE_ARGS ?=
 
-.PHONY: all setup configure build run test asan fuzz-build fuzz bench format clean
+.PHONY: all setup configure build run adserver test asan fuzz-build fuzz bench format clean
 
 all: build
 
@@ -20,9 +20,17 @@ configure: setup
 build: configure
 	cmake --build $(BUILD) -j$(JOBS)
 
-# Starts the soundboard (offscreen, leaving a screenshot and a recording, where there is no display).
+# Starts the reference ad server and the soundboard against it (offscreen, leaving a screenshot and a
+# recording, where there is no display).
 run: build
 	@BUILD=$(BUILD) scripts/run
+
+# The reference ad server alone, on the ad client's default port; its dashboard is at "/".
+# ADSERVER_ARGS adds options (e.g. ADSERVER_ARGS="--config slots.json").
+ADSERVER_ARGS ?=
+adserver: configure
+	cmake --build $(BUILD) -j$(JOBS) --target vantor-adserver
+	$(BUILD)/adserver/vantor-adserver --db $(BUILD)/adserver.db $(ADSERVER_ARGS)
 
 test: build
 	ctest --test-dir $(BUILD) --output-on-failure -j$(JOBS)
@@ -44,7 +52,7 @@ fuzz-build: setup
 FUZZ_FLAGS = -max_total_time=$(FUZZ_SECONDS) -max_len=4096 -timeout=10 -print_final_stats=1
 fuzz: fuzz-build
 	mkdir -p $(FUZZ_BUILD)/corpus/json $(FUZZ_BUILD)/corpus/encoding $(FUZZ_BUILD)/artifacts
-	mkdir -p $(FUZZ_BUILD)/corpus/query $(FUZZ_BUILD)/corpus/store
+	mkdir -p $(FUZZ_BUILD)/corpus/query $(FUZZ_BUILD)/corpus/store $(FUZZ_BUILD)/corpus/adserver
 	$(FUZZ_BUILD)/fuzz/zebjson_fuzzer $(FUZZ_FLAGS) -dict=fuzz/json.dict \
 	    -artifact_prefix=$(FUZZ_BUILD)/artifacts/json- \
 	    $(FUZZ_BUILD)/corpus/json $(TESTDATA)/JSONTestSuite/test_parsing tests/ads/ThirdParty/data
@@ -55,13 +63,17 @@ fuzz: fuzz-build
 	    $(FUZZ_BUILD)/corpus/query
 	$(FUZZ_BUILD)/fuzz/persistedstore_fuzzer $(FUZZ_FLAGS) -artifact_prefix=$(FUZZ_BUILD)/artifacts/store- \
 	    $(FUZZ_BUILD)/corpus/store
+	$(FUZZ_BUILD)/fuzz/adserver_text_fuzzer $(FUZZ_FLAGS) -artifact_prefix=$(FUZZ_BUILD)/artifacts/adserver- \
+	    $(FUZZ_BUILD)/corpus/adserver
 
 # Codec throughput against other libraries (MB/s and ratios); the soundboard's touch-to-sound latency;
-# the web view's bridge latency, cold and warm.
+# the web view's bridge latency, cold and warm; the reference ad server's requests per second and
+# latency under 64 clients.
 bench: build
 	$(BUILD)/bench/codec_bench
 	$(BUILD)/bench/touch_latency_probe
 	$(BUILD)/bench/bridge_latency_probe
+	$(BUILD)/bench/adserver_load_probe
 
 format:
 	git ls-files '*.h' '*.cpp' | xargs clang-format -i
