@@ -56,7 +56,7 @@ std::optional<SlotTable> SlotTable::withJson(std::string_view text, std::string*
         if (error) *error = std::move(reason);
         return std::nullopt;
     };
-    std::shared_ptr<kit::Error> parseError;
+    std::shared_ptr<const kit::Error> parseError;
     auto document = ZEBJSON().objectWithStringError(text, &parseError);
     if (!document || !document->map())
         return fail(fmt::format("not a JSON object ({})",

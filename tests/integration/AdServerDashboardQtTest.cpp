@@ -14,7 +14,9 @@ namespace {
 class PageDelegate : public kit::WebViewDelegate {
 public:
     void webViewDidFinishLoad(kit::WebView&) override { ++finishes; }
-    void webViewDidFailLoadWithError(kit::WebView&, const kit::Error&) override { ++failures; }
+    void webViewDidFailLoadWithError(kit::WebView&, std::shared_ptr<const kit::Error>) override {
+        ++failures;
+    }
     int finishes = 0, failures = 0;
 };
 

@@ -28,7 +28,9 @@ public:
         return false;
     }
     void webViewDidFinishLoad(kit::WebView&) override { ++finishes; }
-    void webViewDidFailLoadWithError(kit::WebView&, const kit::Error&) override { ++failures; }
+    void webViewDidFailLoadWithError(kit::WebView&, std::shared_ptr<const kit::Error>) override {
+        ++failures;
+    }
 
     std::vector<std::shared_ptr<ZEBNotification>> commands;
     int finishes = 0, failures = 0;
