@@ -3,14 +3,7 @@
 #include "kit/Log.h"
 #include "kit/View.h"
 #include "kit/Window.h"
-
 #include "tests/support/SimTest.h"
-
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-#include <vector>
 
 using kit::Rect;
 using kit::View;

@@ -8,9 +8,6 @@
 #include "kit/sim/SimWebPage.h"
 #include "tests/support/AdContextTest.h"
 
-#include <string>
-#include <vector>
-
 using kit::sim::SimWebPage;
 
 class ZEBWebViewTest : public AdContextTest {
