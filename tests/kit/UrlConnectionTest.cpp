@@ -89,31 +89,28 @@ TEST_F(UrlConnectionTest, AsksBeforeEachRequestAndHopThenPassesTheAnswerOnInLate
     EXPECT_EQ(network().lastRequest("http://b.test/3")->valueForHttpHeaderField("user-agent"), "probe");
 }
 
-TEST_F(UrlConnectionTest, ARefusedRedirectBecomesTheResponse) {
+TEST_F(UrlConnectionTest, ARefusedRedirectIsTheAnswerAndOneThatCannotGoOnFails) {
     network().respond("http://a.test/1",
                       SimAnswer::withStatus(302, {{"Location", "http://a.test/2"}}, "moved"));
+    network().respond("http://a.test/click", SimAnswer::redirect("itms-apps://store.test/app/1"));
+    network().respond("http://a.test/loop", SimAnswer::redirect("http://a.test/loop"));
     delegate->refuse = {"http://a.test/2"};
-    auto connection = open("http://a.test/1");
+    auto refused = open("http://a.test/1");
     runUntilIdle();
     EXPECT_EQ(delegate->calls, (Calls{"send http://a.test/1", "send http://a.test/2 after 302",
                                       "response 302", "data 5", "finish"}));
     EXPECT_EQ(network().requestCount("http://a.test/2"), 0u);
-}
 
-TEST_F(UrlConnectionTest, ARedirectToASchemeThatCannotBeLoadedIsAskedAboutThenFails) {
-    network().respond("http://a.test/click", SimAnswer::redirect("itms-apps://store.test/app/1"));
-    auto connection = open("http://a.test/click");
+    delegate->calls.clear();
+    auto store = open("http://a.test/click");
     runUntilIdle();
     EXPECT_EQ(delegate->calls,
               (Calls{"send http://a.test/click", "send itms-apps://store.test/app/1 after 302",
                      fmt::format("fail {}", kit::UrlError::kUnsupportedUrl)}));
     EXPECT_EQ(*delegate->error->userInfo().find(kit::UrlError::kFailingUrlKey)->string(),
               "itms-apps://store.test/app/1");
-}
 
-TEST_F(UrlConnectionTest, EndlessRedirectsFail) {
-    network().respond("http://a.test/loop", SimAnswer::redirect("http://a.test/loop"));
-    auto connection = open("http://a.test/loop");
+    auto loop = open("http://a.test/loop");
     runUntilIdle();
     EXPECT_EQ(delegate->calls.back(), fmt::format("fail {}", kit::UrlError::kTooManyRedirects));
     EXPECT_EQ(network().requestCount("http://a.test/loop"), size_t(UrlConnection::kMaximumRedirects) + 1);

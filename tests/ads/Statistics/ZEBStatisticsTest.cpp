@@ -30,11 +30,13 @@ protected:
 TEST_F(ZEBStatisticsTest, FirstRequestThenSecondRequestClearsOneShotValues) {
     stats().incrementAdRequestCount();
     stats().startTimingNamed("ptime");
+    stats().startTimingNamed("ppcl");  // there was no click: it goes unsent
     advance(0.5);
     Value::Map first = stats().parameters();
     EXPECT_EQ(
         first,
         (Value::Map{{"session_id", fmt::format("{}", stats().sessionId())}, {"preqs", 1}, {"ptime", "500"}}));
+    EXPECT_EQ(stats().timingNamed("ppcl"), nullptr);
 
     stats().incrementClickCount();
     stats().incrementPageNavigationCount();
@@ -122,12 +124,6 @@ TEST_F(ZEBStatisticsTest, BackgroundedClickReportsTimeSinceTheClick) {
     EXPECT_EQ(*p.find("pcl"), Value(7250)) << "a number now, not the timing's text";
     EXPECT_EQ(*p.find("pclb"), Value(1));
     EXPECT_FALSE(stats().parameters().contains("pclb"));
-}
-
-TEST_F(ZEBStatisticsTest, PreClickTimingGoesWhenThereWasNoClick) {
-    stats().startTimingNamed("ppcl");
-    EXPECT_FALSE(stats().parameters().contains("ppcl"));
-    EXPECT_EQ(stats().timingNamed("ppcl"), nullptr);
 }
 
 TEST_F(ZEBStatisticsTest, CoreStoreIgnoresWrongTypesAndSurvivesACorruptStore) {
