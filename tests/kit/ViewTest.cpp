@@ -78,25 +78,18 @@ TEST_F(ViewTest, HitTestFindsTheFrontmostDeepestVisibleInteractiveView) {
     EXPECT_EQ(tagAt(*root, {100, 50}), -1);  // the right edge is outside
 
     // Hidden, (nearly) transparent or non-interactive views and their subviews are passed over.
-    const std::pair<std::function<void()>, int> changes[] = {
-        {[&] { front->setHidden(true); }, 4},
-        {[&] {
-             front->setHidden(false);
-             front->setAlpha(0.01);
-         },
-         4},
-        {[&] { front->setAlpha(0.02); }, 3},
-        {[&] { front->setUserInteractionEnabled(false); }, 4},
-        {[&] {
-             front->setUserInteractionEnabled(true);
-             child->setUserInteractionEnabled(false);
-         },
-         2},
-    };
-    for (size_t i = 0; i < std::size(changes); ++i) {
-        changes[i].first();
-        EXPECT_EQ(tagAt(*root, {55, 55}), changes[i].second) << "change " << i;
-    }
+    front->setHidden(true);
+    EXPECT_EQ(tagAt(*root, {55, 55}), 4);
+    front->setHidden(false);
+    front->setAlpha(0.01);
+    EXPECT_EQ(tagAt(*root, {55, 55}), 4);
+    front->setAlpha(0.02);
+    EXPECT_EQ(tagAt(*root, {55, 55}), 3);
+    front->setUserInteractionEnabled(false);
+    EXPECT_EQ(tagAt(*root, {55, 55}), 4);
+    front->setUserInteractionEnabled(true);
+    child->setUserInteractionEnabled(false);
+    EXPECT_EQ(tagAt(*root, {55, 55}), 2);
 
     front->setBounds({10, 10, 60, 60});  // scrolled: its subviews shift
     child->setUserInteractionEnabled(true);
