@@ -2,9 +2,6 @@
 #include "kit/NotificationCenter.h"
 #include "tests/support/SimTest.h"
 
-#include <string>
-#include <vector>
-
 using kit::Application;
 using kit::ApplicationState;
 
@@ -44,22 +41,14 @@ TEST_F(ApplicationTest, LifeCycleTellsTheDelegateThenPostsEachNotice) {
     EXPECT_EQ(app().state(), ApplicationState::Background);
     app().becomeActive(kPort);
     app().terminate(kPort);
-    EXPECT_EQ(log, (std::vector<std::string>{
-                       "delegate:launched",
-                       Application::kDidFinishLaunchingNotification,
-                       "delegate:active",
-                       Application::kDidBecomeActiveNotification,
-                       "delegate:resign",
-                       Application::kWillResignActiveNotification,
-                       "delegate:background",
-                       Application::kDidEnterBackgroundNotification,
-                       "delegate:foreground",
-                       Application::kWillEnterForegroundNotification,
-                       "delegate:active",
-                       Application::kDidBecomeActiveNotification,
-                       "delegate:terminate",
-                       Application::kWillTerminateNotification,
-                   }));
+    using A = Application;
+    EXPECT_EQ(log,
+              (std::vector<std::string>{
+                  "delegate:launched", A::kDidFinishLaunchingNotification, "delegate:active",
+                  A::kDidBecomeActiveNotification, "delegate:resign", A::kWillResignActiveNotification,
+                  "delegate:background", A::kDidEnterBackgroundNotification, "delegate:foreground",
+                  A::kWillEnterForegroundNotification, "delegate:active", A::kDidBecomeActiveNotification,
+                  "delegate:terminate", A::kWillTerminateNotification}));
 }
 
 TEST_F(ApplicationTest, TransitionsThatDoNotApplyDoNothing) {
@@ -90,11 +79,10 @@ TEST_F(ApplicationTest, BackgroundTasksExpireOnceAndEndedOnesNever) {
     EXPECT_EQ(app().openBackgroundTaskCount(), 0u);
 }
 
-TEST_F(ApplicationTest, OpensOnlyWhatSomethingHandles) {
-    auto& sim = this->sim().simApplication();
-    sim.setOpenableSchemes({"HTTP", "itms-apps"});
+TEST_F(ApplicationTest, OpensOnlyWhatSomethingHandlesWhateverTheSchemesCase) {
+    sim().simApplication().setOpenableSchemes({"HTTP", "itms-apps"});
     EXPECT_TRUE(app().canOpenUrl(*kit::Url::parse("http://example.com")));
     EXPECT_TRUE(app().openUrl(*kit::Url::parse("itms-apps://store/app")));
     EXPECT_FALSE(app().openUrl(*kit::Url::parse("kindle://home")));
-    EXPECT_EQ(sim.openedUrls(), (std::vector<std::string>{"itms-apps://store/app"}));
+    EXPECT_EQ(sim().simApplication().openedUrls(), (std::vector<std::string>{"itms-apps://store/app"}));
 }

@@ -1,14 +1,7 @@
 #include "kit/Button.h"
 #include "kit/Control.h"
 #include "kit/Image.h"
-
 #include "tests/support/SimTest.h"
-
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-#include <vector>
 
 using kit::Button;
 using kit::Control;
@@ -18,9 +11,7 @@ using Log = std::vector<std::string>;
 
 namespace {
 class ControlTest : public SimTest {};
-}  // namespace
 
-namespace {
 struct Receiver : kit::Object {
     Log* log;
     std::string name;
@@ -51,16 +42,13 @@ TEST_F(ControlTest, ActionsRunForTheirEventsInOrderAndCanBeRemovedByTarget) {
 
     control->removeTargetForControlEvents({}, ControlEvent::AllEvents);
     EXPECT_EQ(control->allControlEvents(), 0u);
-}
 
-TEST_F(ControlTest, ATargetThatIsGoneIsNeitherCalledNorKept) {
-    auto control = std::make_shared<Control>();
-    Log log;
-    auto target = std::make_shared<Receiver>(log, "target");
-    control->addTargetActionForControlEvents(target, &Receiver::act, ControlEvent::TouchDown);
+    // A target that is gone is neither called nor kept.
+    control->addTargetActionForControlEvents(first, &Receiver::act, ControlEvent::TouchDown);
     EXPECT_EQ(control->allControlEvents(), ControlEvent::TouchDown);
-    target.reset();
+    first.reset();
     EXPECT_EQ(control->allControlEvents(), 0u);
+    log.clear();
     control->sendActionsForControlEvents(ControlEvent::TouchDown);
     EXPECT_TRUE(log.empty());
 }
@@ -91,9 +79,8 @@ TEST_F(ControlTest, ButtonValuesPerStateFallBackToNormal) {
     EXPECT_EQ(button->currentTitleColor(), kit::Color::white());
     EXPECT_NE(Button::buttonWithType(kit::ButtonType::RoundedRect)->currentTitleColor(), kit::Color::white());
 
-    for (uint32_t state : {ControlState::Normal, ControlState::Application, ControlState::Reserved}) {
+    for (uint32_t state : {ControlState::Normal, ControlState::Application, ControlState::Reserved})
         button->setTitleForState("Music 1", state);
-    }
     button->setTitleForState("Pressed", ControlState::Highlighted);
     button->setTitleForState("", ControlState::Disabled);  // empty is a title, not "unset"
     EXPECT_EQ(button->titleForState(ControlState::Application), "Music 1");

@@ -17,20 +17,18 @@ TEST_F(UserDefaultsTest, TypedGettersAnswerNoneForOtherTypes) {
     d.set("n", 2.5f);
     d.set("b", true);
     EXPECT_EQ(d.string("s"), "text");
-    EXPECT_FALSE(d.number("s"));
     EXPECT_EQ(d.number("n"), 2.5);
     EXPECT_EQ(d.integer("n"), 2);
-    EXPECT_FALSE(d.string("n"));
     EXPECT_EQ(d.boolean("b"), true);
+    EXPECT_FALSE(d.number("s"));
+    EXPECT_FALSE(d.string("n"));
     EXPECT_FALSE(d.boolean("missing"));
     EXPECT_EQ(d.map("s"), nullptr);
     d.remove("s");
     EXPECT_EQ(d.find("s"), nullptr);
-    EXPECT_TRUE(d.synchronize()) << "a store in memory has nothing to write";
 }
 
 TEST_F(UserDefaultsTest, NestedValuesRoundTripThroughARealFile) {
-    Value::Map timing{{"category", "prl"}, {"start", 1234.5}, {"userData", Value::Map{{"pai", "abc"}}}};
     Value everything(Value::Map{
         {"int", -42},
         {"big", *kit::Decimal::parse("10000000000000000999")},
@@ -40,51 +38,39 @@ TEST_F(UserDefaultsTest, NestedValuesRoundTripThroughARealFile) {
         {"date", Value::Date{1321361126.25}},
         {"data", Value::Data{0, 1, 255}},
         {"list", Value::Array{1, "two", Value::Array{}, Value::Map{}}},
-        {"timing", timing},
+        {"timing", Value::Map{{"category", "prl"}, {"userData", Value::Map{{"pai", "abc"}}}}},
         {"text", "ünïcode \0 inside"},
     });
     {
         UserDefaults d(file());
         d.set("vantor_timing_shared", everything);
-        d.set("applicationTimeout", 3.5f);
         ASSERT_TRUE(d.synchronize());
     }
     UserDefaults reread(file());
     ASSERT_NE(reread.find("vantor_timing_shared"), nullptr);
     EXPECT_EQ(*reread.find("vantor_timing_shared"), everything);
-    EXPECT_EQ(reread.number("applicationTimeout"), 3.5);
-    EXPECT_EQ(reread.date("missing"), std::nullopt);
-    auto date = reread.map("vantor_timing_shared")->find("date")->date();
-    EXPECT_EQ(date->secondsSince1970, 1321361126.25);
+    EXPECT_EQ(reread.map("vantor_timing_shared")->find("date")->date()->secondsSince1970, 1321361126.25);
 }
 
-TEST_F(UserDefaultsTest, ACorruptFileGivesAnEmptyStoreAndOneLogLine) {
+TEST_F(UserDefaultsTest, AMissingFileIsEmptyQuietlyAndACorruptOneWithOneLogLine) {
     {
+        kit::Log::Capture log;
         UserDefaults d(file());
+        EXPECT_TRUE(d.dictionaryRepresentation().empty());
+        EXPECT_TRUE(log.lines().empty());
         d.set("k", Value::Array{1, 2, 3});
         ASSERT_TRUE(d.synchronize());
     }
-    auto bytes = *kit::FileManager::defaultManager().read(file());
-    for (size_t cut : {bytes.size() - 1, bytes.size() / 2, size_t{3}}) {
-        ASSERT_TRUE(kit::FileManager::defaultManager().writeAtomically(file(), bytes.substr(0, cut)));
-        kit::Log::Capture log;
-        UserDefaults d(file());
-        EXPECT_TRUE(d.dictionaryRepresentation().empty()) << "cut at " << cut;
-        EXPECT_EQ(log.lines().size(), 1u);
-    }
+    auto& files = kit::FileManager::defaultManager();
+    const std::string bytes = *files.read(file());
     std::string flipped = bytes;
     flipped[flipped.size() / 2] ^= 0x40;
-    ASSERT_TRUE(kit::FileManager::defaultManager().writeAtomically(file(), flipped));
-    kit::Log::Capture log;
-    EXPECT_TRUE(UserDefaults(file()).dictionaryRepresentation().empty());
-    EXPECT_EQ(log.lines().size(), 1u);
-}
-
-TEST_F(UserDefaultsTest, AMissingFileIsAnEmptyStoreWithoutComplaint) {
-    kit::Log::Capture log;
-    UserDefaults d(file());
-    EXPECT_TRUE(d.dictionaryRepresentation().empty());
-    EXPECT_TRUE(log.lines().empty());
+    for (const std::string& corrupt : {bytes.substr(0, bytes.size() - 1), bytes.substr(0, 3), flipped}) {
+        ASSERT_TRUE(files.writeAtomically(file(), corrupt));
+        kit::Log::Capture log;
+        EXPECT_TRUE(UserDefaults(file()).dictionaryRepresentation().empty()) << corrupt.size();
+        EXPECT_EQ(log.lines().size(), 1u);
+    }
 }
 
 TEST_F(UserDefaultsTest, AFailedWriteReportsFalseWithOneLogLine) {

@@ -1,17 +1,12 @@
 #include "kit/Button.h"
 #include "kit/View.h"
+#include "kit/Window.h"
 #include "kit/port/ViewPeer.h"
 #include "kit/port/ViewPeerFactory.h"
-#include "kit/Window.h"
 #include "kit/sim/SimPlatform.h"
 #include "tests/support/SimTest.h"
 
 #include <fmt/format.h>
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-#include <vector>
 
 using kit::Rect;
 using kit::View;

@@ -1,13 +1,6 @@
 #include "kit/View.h"
 
-#include "kit/Window.h"
 #include "tests/support/SimTest.h"
-
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-#include <vector>
 
 using kit::Point;
 using kit::Rect;
@@ -68,13 +61,14 @@ TEST_F(ViewTest, SubviewsMoveReorderAndFindByTag) {
     EXPECT_EQ(label->superview(), nullptr);
 }
 
-TEST_F(ViewTest, HitTestFindsTheFrontmostDeepestView) {
+TEST_F(ViewTest, HitTestFindsTheFrontmostDeepestVisibleInteractiveView) {
     auto root = makeView({0, 0, 100, 100}, 9);
     auto back = makeView({0, 0, 60, 60}, 1);
     auto front = makeView({40, 40, 60, 60}, 2);
+    auto child = makeView({10, 10, 10, 10}, 3);
     root->addSubview(back);
     root->addSubview(front);
-    front->addSubview(makeView({10, 10, 10, 10}, 3));
+    front->addSubview(child);
     back->addSubview(makeView({50, 0, 100, 100}, 4));  // reaches outside its superview
 
     EXPECT_EQ(tagAt(*root, {45, 45}), 2);
@@ -83,36 +77,25 @@ TEST_F(ViewTest, HitTestFindsTheFrontmostDeepestView) {
     EXPECT_EQ(tagAt(*root, {70, 20}), 9);    // not hit outside its superview
     EXPECT_EQ(tagAt(*root, {100, 50}), -1);  // the right edge is outside
 
-    front->setBounds({10, 10, 60, 60});  // scrolled: its subviews shift
-    EXPECT_EQ(tagAt(*root, {45, 45}), 3);
-    EXPECT_EQ(front->subviews()[0]->convertPointToView({0, 0}, nullptr), (Point{40, 40}));
-    EXPECT_EQ(back->convertPointFromView({0, 0}, front->subviews()[0].get()), (Point{40, 40}));
-}
-
-TEST_F(ViewTest, HitTestSkipsHiddenTransparentAndNonInteractiveViews) {
-    auto root = makeView({0, 0, 100, 100}, 9);
-    auto under = makeView({0, 0, 50, 50}, 1);
-    auto over = makeView({0, 0, 50, 50}, 2);
-    auto child = makeView({0, 0, 20, 20}, 3);
-    root->addSubview(under);
-    root->addSubview(over);
-    over->addSubview(child);
-    ASSERT_EQ(tagAt(*root, {5, 5}), 3);
-
-    over->setHidden(true);
-    EXPECT_EQ(tagAt(*root, {5, 5}), 1);
-    over->setHidden(false);
-    over->setAlpha(0);
-    EXPECT_EQ(tagAt(*root, {5, 5}), 1);
-    over->setAlpha(0.01);
-    EXPECT_EQ(tagAt(*root, {5, 5}), 1);
-    over->setAlpha(0.02);
-    EXPECT_EQ(tagAt(*root, {5, 5}), 3);
-    over->setUserInteractionEnabled(false);  // and none for its subviews either
-    EXPECT_EQ(tagAt(*root, {5, 5}), 1);
-    over->setUserInteractionEnabled(true);
+    // Hidden, (nearly) transparent or non-interactive views and their subviews are passed over.
+    front->setHidden(true);
+    EXPECT_EQ(tagAt(*root, {55, 55}), 4);
+    front->setHidden(false);
+    front->setAlpha(0.01);
+    EXPECT_EQ(tagAt(*root, {55, 55}), 4);
+    front->setAlpha(0.02);
+    EXPECT_EQ(tagAt(*root, {55, 55}), 3);
+    front->setUserInteractionEnabled(false);
+    EXPECT_EQ(tagAt(*root, {55, 55}), 4);
+    front->setUserInteractionEnabled(true);
     child->setUserInteractionEnabled(false);
-    EXPECT_EQ(tagAt(*root, {5, 5}), 2);
+    EXPECT_EQ(tagAt(*root, {55, 55}), 2);
+
+    front->setBounds({10, 10, 60, 60});  // scrolled: its subviews shift
+    child->setUserInteractionEnabled(true);
+    EXPECT_EQ(tagAt(*root, {45, 45}), 3);
+    EXPECT_EQ(child->convertPointToView({0, 0}, nullptr), (Point{40, 40}));
+    EXPECT_EQ(back->convertPointFromView({0, 0}, child.get()), (Point{40, 40}));
 }
 
 TEST_F(ViewTest, AutoresizingFollowsTheMask) {

@@ -4,9 +4,6 @@
 #include "kit/sim/SimWebPage.h"
 #include "tests/support/SimTest.h"
 
-#include <string>
-#include <vector>
-
 using kit::Url;
 using kit::Value;
 

@@ -30,11 +30,13 @@ protected:
 TEST_F(ZEBStatisticsTest, FirstRequestThenSecondRequestClearsOneShotValues) {
     stats().incrementAdRequestCount();
     stats().startTimingNamed("ptime");
+    stats().startTimingNamed("ppcl");  // there was no click: it goes unsent
     advance(0.5);
     Value::Map first = stats().parameters();
     EXPECT_EQ(
         first,
         (Value::Map{{"session_id", fmt::format("{}", stats().sessionId())}, {"preqs", 1}, {"ptime", "500"}}));
+    EXPECT_EQ(stats().timingNamed("ppcl"), nullptr);
 
     stats().incrementClickCount();
     stats().incrementPageNavigationCount();
@@ -76,13 +78,11 @@ TEST_F(ZEBStatisticsTest, ClickCountsStartsTimingsAndCarriesTheClickString) {
     EXPECT_TRUE(stats().isTimingClick());
     EXPECT_EQ(*stats().statistics().numberForKey("pcc"), 1);
 
-    Url host = url(ZEBDeployment::current().adServerURL + "/clk/ticket-7");
-    stats().addClickTrackingURL(host);
-    stats().addClickTrackingURL(url("http://elsewhere.example/clk/other"));
+    stats().addClickTrackingURL(url(ZEBDeployment::current().adServerURL + "/clk/ticket-7"));
     advance(0.2);
     Value::Map p = stats().parameters();
     EXPECT_EQ(*p.find("pai"), Value("AB%20C"));
-    EXPECT_EQ(*p.find("pit"), Value("/ticket-7")) << "the path less its first four characters";
+    EXPECT_EQ(*p.find("pit"), Value("/ticket-7"));
     EXPECT_EQ(*p.find("pcl"), Value("200"));
     EXPECT_EQ(*p.find("ppcl"), Value("3000"));
     EXPECT_EQ(*p.find("pcrl"), Value("0"));
@@ -126,12 +126,6 @@ TEST_F(ZEBStatisticsTest, BackgroundedClickReportsTimeSinceTheClick) {
     EXPECT_FALSE(stats().parameters().contains("pclb"));
 }
 
-TEST_F(ZEBStatisticsTest, PreClickTimingGoesWhenThereWasNoClick) {
-    stats().startTimingNamed("ppcl");
-    EXPECT_FALSE(stats().parameters().contains("ppcl"));
-    EXPECT_EQ(stats().timingNamed("ppcl"), nullptr);
-}
-
 TEST_F(ZEBStatisticsTest, CoreStoreIgnoresWrongTypesAndSurvivesACorruptStore) {
     kit::UserDefaults::standard().set("vantor_stats_mine", Value::Map{{"preqs", "many"}, {"pcc", 2.9}});
     ZEBStatisticsCore core("mine");
@@ -141,10 +135,8 @@ TEST_F(ZEBStatisticsTest, CoreStoreIgnoresWrongTypesAndSurvivesACorruptStore) {
     core.setStringForKey(5, "s");
     core.setDateForKey(Value::Date{10}, "d");
     core.setArrayForKey(Value::Map{}, "a");
-    EXPECT_FALSE(core.statistics().contains("n"));
-    EXPECT_FALSE(core.statistics().contains("s"));
-    EXPECT_FALSE(core.statistics().contains("a"));
-    EXPECT_EQ(core.dateForKey("d")->secondsSince1970, 10);
+    core.setDictionaryForKey(Value::Array{}, "m");
+    EXPECT_EQ(core.statistics(), (Value::Map{{"preqs", 1}, {"pcc", 3}, {"d", Value::Date{10}}}));
     EXPECT_EQ(core.stringForKey("d"), std::nullopt);
     core.setNumberForKey(std::numeric_limits<int64_t>::max(), "big");
     EXPECT_EQ(core.addValueNumberForKey(1, "big"), std::numeric_limits<int64_t>::max());

@@ -60,7 +60,6 @@ TEST_F(ZEBTimingTest, RepresentationRoundTripsWithAndWithoutValues) {
 TEST_F(ZEBTimingTest, ManagerReplacesByCategoryAndSavesOnTermination) {
     {
         ZEBTimingManager manager("t");
-        EXPECT_EQ(manager.userDefaultsKey(), "vantor_timing_t");
         auto first = manager.addTimingWithCategory("a");
         auto second = manager.addTimingWithCategory("a");
         EXPECT_EQ(manager.timings().size(), 1u);

@@ -47,11 +47,11 @@ TEST(ZEBNetworkUtilities, DictionaryFromQueryStringKeepsOnlyWellFormedPairs) {
     Value::Map parsed = ZEBNetworkUtilities::dictionaryFromQueryString("A=1;b=2&&c=x=y&d");
     EXPECT_EQ(parsed, (Value::Map{{"a", "1"}, {"b", "2"}}));
 
-    parsed = ZEBNetworkUtilities::dictionaryFromQueryString("K%20Ey=v%20al&e=&x=1&X=2&;;&");
-    EXPECT_EQ(parsed, (Value::Map{{"k ey", "v al"}, {"e", ""}, {"x", "2"}}));
+    parsed = ZEBNetworkUtilities::dictionaryFromQueryString("K%20Ey=v%20a+l&e=&x=1&X=2&;;&");
+    EXPECT_EQ(parsed, (Value::Map{{"k ey", "v a+l"}, {"e", ""}, {"x", "2"}})) << "a plus stays a plus";
 
     // Bad escapes and decoded bytes that are not UTF-8 drop only their own piece.
-    parsed = ZEBNetworkUtilities::dictionaryFromQueryString("a=%zz&b=%C3&c=%C3%A9&d=%ED%A0%80&e=%");
+    parsed = ZEBNetworkUtilities::dictionaryFromQueryString("a=%zz&b=%C3&c=%C3%A9&d=%ED%A0%80&e=%&f=%2");
     EXPECT_EQ(parsed, (Value::Map{{"c", "\xC3\xA9"}}));
 
     EXPECT_TRUE(ZEBNetworkUtilities::dictionaryFromQueryString(std::nullopt).empty());
