@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 #include <thread>
 #include <vector>
 
@@ -20,13 +21,11 @@ protected:
     }
     ~EventStoreTest() override { std::filesystem::remove_all(folder); }
     std::string path() const { return (folder / "events.db").string(); }
-
     static Event event(std::string kind, std::string slot, std::string outcome = "") {
         Event e;
         e.kind = std::move(kind);
         e.slot = std::move(slot);
         e.outcome = std::move(outcome);
-        e.path = "/" + e.kind;
         e.query = "slotname=" + e.slot;
         return e;
     }
@@ -54,7 +53,7 @@ TEST_F(EventStoreTest, AnsweredEventsSurviveACrashOfTheProcess) {
     ASSERT_TRUE(store) << error;
     auto events = store->latest(0, 10);
     ASSERT_EQ(events.size(), 2u);
-    EXPECT_EQ(events[0].kind, "imp");
+    EXPECT_EQ(events[0].kind + " " + events[0].query, "imp slotname=a");
     EXPECT_EQ(events[1].outcome, "fill");
     int64_t lastId = 0;
     auto tally = store->tally(&lastId);
@@ -82,11 +81,7 @@ TEST_F(EventStoreTest, WhatIsNoDatabaseIsRefusedWithAReason) {
     std::string error;
     EXPECT_FALSE(EventStore::open((folder / "a-folder").string(), &error));
     EXPECT_NE(error.find("unable to open"), std::string::npos) << error;
-    {
-        std::FILE* file = std::fopen(path().c_str(), "w");
-        std::fputs("these are not the events you are looking for, not at all, not a single one", file);
-        std::fclose(file);
-    }
+    std::ofstream(path()) << "these are not the events you are looking for, not at all, not a single one";
     EXPECT_FALSE(EventStore::open(path(), &error));
     EXPECT_NE(error.find("not a database"), std::string::npos) << error;
 }

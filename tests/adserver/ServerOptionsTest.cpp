@@ -31,7 +31,6 @@ TEST(ServerOptionsTest, RefusesBadOptionsWithOneLine) {
         std::string error;
         EXPECT_FALSE(ServerOptions::parse(args, &error)) << expected;
         EXPECT_EQ(error, expected);
-        EXPECT_EQ(error.find('\n'), std::string::npos);
     }
 }
 

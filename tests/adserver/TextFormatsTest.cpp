@@ -38,7 +38,6 @@ TEST(HttpDateTest, WritesAndReadsTheFixedForm) {
     EXPECT_EQ(HttpDate::format(1321361126), "Tue, 15 Nov 2011 12:45:26 GMT");
     EXPECT_EQ(HttpDate::format(0), "Thu, 01 Jan 1970 00:00:00 GMT");
     EXPECT_EQ(HttpDate::parse("Tue, 15 Nov 2011 12:45:26 GMT"), 1321361126);
-    EXPECT_EQ(HttpDate::parse("Tue, 15 Nov 2011 12:45:26"), 1321361126);
     for (const char* bad :
          {"", "Tue, 15 Nov 2011 12:45", "Tue, 15 Nox 2011 12:45:26", "Tue, 32 Nov 2011 12:45:26",
           "Tue, 15 Nov 2011 24:45:26 GMT", "Tue, 15 Nov 2011 12:45:26 UTC", "Tuesday, 15-Nov-11 12:45:26",
